@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QMap>
+#include <QMutex>
+#include <QRect>
+#include <QString>
+#include <QTime>
+
+class CTablet;
+class MyLrc;
+class QSettings;
+
+constexpr int kTabletSlots = 5;
+constexpr int kScreenSlots = 10;
+
+// Process-wide state shared by the window, the devices and the engine.
+class CGlobalData
+{
+public:
+    CGlobalData() = delete;
+
+    static QMap<QString, CTablet *> TabletMap;
+    static CTablet *TabletArray[kTabletSlots];
+    static QMutex XMLMutex;
+    static QMutex ConfigFileWaitMutex;
+    static QTime LastTabletActionTime;
+    static MyLrc *Show_Info;
+    static QSettings *Name_Config;
+    static QSettings *Language_Config;
+    static QRect ScreenArray[kScreenSlots];
+    static QRect LogicScreenArray[kScreenSlots];
+    static int PrimaryID;
+    static int ScreenNum;
+
+    // The configuration folder; tests point it at a folder of their own.
+    static QString ConfigFolder;
+    static QString configFile(const QString &name) { return ConfigFolder + name; }
+};
+
+// Looks a text up in the current language; empty when there is none.
+QString languageText(const char *key);
+// The same, with the built-in text for an empty result.
+QString languageText(const char *key, const QString &fallback);

@@ -1,0 +1,326 @@
+#include "cusbtablet.h"
+
+#include "cglobaldata.h"
+#include "devicethread.h"
+#include "hidrawstring.h"
+#include "textfield.h"
+#include "xmlhelp.h"
+
+#include <QDebug>
+#include <algorithm>
+#include <initializer_list>
+#include <QMessageBox>
+#include <QMutexLocker>
+#include <QSettings>
+#include <cstring>
+#include <hidapi.h>
+
+namespace {
+
+constexpr int kFrameSize = 64;
+constexpr int kStringLimit = 64;
+constexpr int kCapabilityDescriptor = 100;
+constexpr int kStartReplyWaitMs = 100;
+constexpr uint8_t kDongleMarker = 0x40;
+constexpr uint8_t kLightCapability = 0x18;
+constexpr int kFirstDisplayProduct = 0x0A5A;
+
+void showRootRightsWarning()
+{
+    QMessageBox::warning(
+        nullptr, languageText("Common.warning", QStringLiteral("warning")),
+        languageText("Common.tips1",
+                     QStringLiteral("You need to use root permissions to run the driver.")),
+        QMessageBox::Ok);
+}
+
+template <size_t N>
+void copyWideString(char (&field)[N], int (*getter)(hid_device *, wchar_t *, size_t),
+                    hid_device *device)
+{
+    wchar_t text[kStringLimit + 1] = {};
+    if (getter(device, text, kStringLimit) == 0)
+        copyTextField(field, QString::fromWCharArray(text).toUtf8().constData());
+}
+
+template <size_t N> void copyIndexedString(char (&field)[N], hid_device *device, int index)
+{
+    wchar_t text[kStringLimit + 1] = {};
+    if (hid_get_indexed_string(device, index, text, kStringLimit) == 0)
+        copyTextField(field, QString::fromWCharArray(text).toUtf8().constData());
+}
+
+} // namespace
+
+CUSBTablet::~CUSBTablet()
+{
+    DelTablet();
+}
+
+bool CUSBTablet::InitTablet(const char *path, const ZelkDevice &row)
+{
+    ClearAppConfigs();
+    if (path && !openDevice(path))
+        return false;
+    if (!m_HidDevice)
+        return false;
+    readIdentity(row);
+    readCapabilities();
+    copyIndexedString(m_DeviceAttributes.ICVersion, m_HidDevice, 4);
+    copyIndexedString(m_DeviceAttributes.ICData, m_HidDevice, 5);
+    chooseShowName();
+    if (!takeSettings())
+        return false;
+    sendStartPacket(row);
+    startReader();
+    askLights();
+    return true;
+}
+
+bool CUSBTablet::openDevice(const char *path)
+{
+    m_HidDevice = hid_open_path(path);
+    if (!m_HidDevice) {
+        qDebug() << "hid_open_path Failed!";
+        showRootRightsWarning();
+        return false;
+    }
+    hid_remember_path(m_HidDevice, path);
+    copyTextField(m_DeviceAttributes.DevicePath, path);
+    return true;
+}
+
+void CUSBTablet::readIdentity(const ZelkDevice &row)
+{
+    m_ProductId = static_cast<int>(row.pid);
+    snprintf(m_DeviceAttributes.PidString, sizeof m_DeviceAttributes.PidString, "PID_%04X",
+             row.pid & 0xFFFF);
+    copyTextField(m_DeviceAttributes.ModelName, row.name);
+    copyWideString(m_DeviceAttributes.Manufacturer, hid_get_manufacturer_string, m_HidDevice);
+    copyWideString(m_DeviceAttributes.ProductName, hid_get_product_string, m_HidDevice);
+    copyIndexedString(m_DeviceAttributes.SerialNumber, m_HidDevice, 3);
+}
+
+// Descriptor 100 carries the ranges as little-endian numbers.
+void CUSBTablet::readCapabilities()
+{
+    unsigned char raw[64] = {};
+    if (hid_get_indexed_string2(m_HidDevice, kCapabilityDescriptor, raw, sizeof raw) < 0)
+        qDebug("Unable to read indexed string 100\n");
+    _DEVICE_ATTRIBUTES &attributes = m_DeviceAttributes;
+    attributes.MaxX = raw[0] | raw[1] << 8 | raw[10] << 16;
+    attributes.MaxY = raw[2] | raw[3] << 8 | raw[11] << 16;
+    attributes.MaxPressure = raw[6] | raw[7] << 8;
+    attributes.LPI = raw[8] | raw[9] << 8;
+    if (attributes.LPI == 0)
+        attributes.LPI = kDefaultLpi;
+    attributes.Width = static_cast<int>(attributes.MaxX * 100 / attributes.LPI);
+    attributes.Height = static_cast<int>(attributes.MaxY * 100 / attributes.LPI);
+    qDebug("manufacturer:%s product:%s Get Max X:0x%x Y:0x%x  Press:0x%x\n",
+           attributes.Manufacturer, attributes.ProductName, static_cast<unsigned>(attributes.MaxX),
+           static_cast<unsigned>(attributes.MaxY), static_cast<unsigned>(attributes.MaxPressure));
+}
+
+void CUSBTablet::chooseShowName()
+{
+    const bool dongle = m_DeviceAttributes.TabletType[0] == kDongleMarker;
+    const QString key = QString(dongle ? "Dongle/%1" : "Common/%1")
+                            .arg(QString::fromLatin1(m_DeviceAttributes.PidString));
+    const QString configured =
+        CGlobalData::Name_Config ? CGlobalData::Name_Config->value(key).toString() : QString();
+    if (configured.isEmpty())
+        copyTextField(m_DeviceAttributes.ShowName, m_DeviceAttributes.ProductName);
+    else
+        copyTextField(m_DeviceAttributes.ShowName, configured.toUtf8().constData());
+}
+
+// A second device of a product already running takes its settings.
+bool CUSBTablet::takeSettings()
+{
+    const int slot = IsDeviceShowNameExit(QString::fromLatin1(m_DeviceAttributes.PidString));
+    CTablet *twin = slot >= 0 ? CGlobalData::TabletArray[slot] : nullptr;
+    if (twin && twin != this && twin->m_Active) {
+        CopySettingsFrom(*twin);
+        return true;
+    }
+    if (LoadXML(m_DeviceAttributes.ModelName))
+        return true;
+    qDebug() << "------------------load xml failed:" << m_DeviceAttributes.ModelName;
+    return false;
+}
+
+void CUSBTablet::sendStartPacket(const ZelkDevice &row)
+{
+    unsigned char packet[kFrameSize] = {};
+    const bool keyboardRemote = row.deviceType == DeviceTypeRemote && row.pid == 0x3E1;
+    packet[0] = keyboardRemote ? 0x03 : 0x02;
+    packet[1] = keyboardRemote ? 0x01 : 0xB0;
+    packet[2] = static_cast<unsigned char>(row.reportMode);
+    m_ReportMode = static_cast<short>(row.reportMode);
+    writeReport(packet, 10);
+}
+
+void CUSBTablet::startReader()
+{
+    if (!m_DeviceThread) {
+        m_DeviceThread = new DeviceThread(m_HidDevice, &m_WriteMutex);
+        connect(m_DeviceThread, &DeviceThread::MySentTabletPackets, this,
+                &CTablet::ReceiveTabletPackets, Qt::DirectConnection);
+        m_Active = true;
+        // There is no recovery slot: a reader that gives up stays silent.
+        connect(m_DeviceThread, SIGNAL(HidOperatorError(int)), this,
+                SLOT(OnDeviceConnError(int)), Qt::DirectConnection);
+    }
+    m_DeviceThread->start(QThread::InheritPriority);
+}
+
+void CUSBTablet::askLights()
+{
+    m_ReplyMutex.lock();
+    SentCmd(0, 1, 0);
+    const bool answered = m_ReplyCondition.wait(&m_ReplyMutex, kStartReplyWaitMs);
+    if (!answered)
+        qDebug() << "SentCmd(0,1,0) Failed";
+    m_ReplyMutex.unlock();
+    SentCmd(0, 2, 0);
+    if (answered)
+        qDebug() << "SentCmd(0,2,0) OK";
+}
+
+int CUSBTablet::IsDeviceShowNameExit(const QString &pidString)
+{
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        const CTablet *tablet = CGlobalData::TabletArray[slot];
+        if (tablet && pidString == QLatin1String(tablet->m_DeviceAttributes.PidString))
+            return slot;
+    }
+    return -1;
+}
+
+int CUSBTablet::writeReport(const unsigned char *data, int length)
+{
+    QMutexLocker lock(&m_WriteMutex);
+    return hid_write(m_HidDevice, data, static_cast<size_t>(length));
+}
+
+bool CUSBTablet::displayCommandsAllowed() const
+{
+    const QString pid = QString::fromLatin1(m_DeviceAttributes.PidString).right(4);
+    return pid.toInt(nullptr, 16) >= kFirstDisplayProduct &&
+           m_DeviceAttributes.DeviceType == DeviceTypePenDisplay;
+}
+
+void CUSBTablet::SentCmd(int command, int p1, int p2)
+{
+    if (!m_HidDevice)
+        return;
+    unsigned char frame[kFrameSize] = {0x02};
+    const auto b1 = static_cast<unsigned char>(p1);
+    const auto b2 = static_cast<unsigned char>(p2);
+    auto display = [&](std::initializer_list<unsigned char> bytes) {
+        if (!displayCommandsAllowed())
+            return;
+        frame[1] = 0xB5;
+        std::copy(bytes.begin(), bytes.end(), frame + 2);
+        writeReport(frame, 10);
+    };
+    auto lights = [&](std::initializer_list<unsigned char> bytes) {
+        frame[1] = 0xB4;
+        std::copy(bytes.begin(), bytes.end(), frame + 2);
+        writeReport(frame, 12);
+    };
+    switch (command) {
+    case 0:
+        if (m_DeviceAttributes.TabletType[2] & kLightCapability)
+            lights({0x01, 0x00, b1});
+        return;
+    case 1:
+        return lights({0x01, 0x01, b1, b2});
+    case 2:
+        return lights({0x02, 0x01, 0x00, b1, static_cast<unsigned char>(p1 == 1 ? p2 : 0)});
+    case 3:
+        qInfo() << "SentCmd--" << p1;
+        frame[1] = 0xB0;
+        frame[2] = b1;
+        writeReport(frame, 10);
+        return;
+    case 110:
+        return display({0x00, 0xF0});
+    case 111:
+        return display({b1, 0x01, 0x01, 0x00, b2});
+    case 112:
+        return display({b1, 0x01, 0x02, 0x00, b2});
+    case 113:
+        return display({b1, 0x01, 0x03, 0x01, 0x01, b2});
+    case 114:
+        return display({b1, 0x01, 0x03, 0x01, 0x02, b2});
+    case 115:
+        return display({b1, 0x01, 0x03, 0x01, 0x03, b2});
+    case 117:
+        return display({b1, 0x03, 0x00, 0x00, b2});
+    case 118:
+        return display({b1, 0x04, 0x00, 0x00, b2});
+    case 119:
+        return display({b1, 0x07, 0x00, 0x00, 0x00});
+    default:
+        return;
+    }
+}
+
+void CUSBTablet::SentSaveFileCmd(int mode, unsigned char *data, int length)
+{
+    if (!m_HidDevice)
+        return;
+    unsigned char frame[kFrameSize] = {0x02, 0xB6, static_cast<unsigned char>(mode)};
+    if (mode == 1) {
+        for (int i = 0; i < 4; ++i)
+            frame[3 + i] = static_cast<unsigned char>(static_cast<uint32_t>(length) >> (8 * i));
+        writeReport(frame, 32);
+    } else if (mode == 2) {
+        writeReport(frame, 32);
+    } else if (mode == 3) {
+        if (length < 0 || length > kFrameSize - 3 || (length > 0 && !data))
+            return;
+        if (length > 0)
+            memcpy(frame + 3, data, static_cast<size_t>(length));
+        writeReport(frame, length ? length + 3 : 0);
+    } else if (length >= 0 && length <= kFrameSize) {
+        writeReport(frame, length);
+    }
+}
+
+void CUSBTablet::SentReadFileCmd(int mode, int value)
+{
+    if (!m_HidDevice)
+        return;
+    unsigned char frame[kFrameSize] = {0x02, 0xB6};
+    if (mode == 1) {
+        m_Receiving = false;
+        frame[3] = 0x01;
+    } else if (mode == 2) {
+        frame[3] = static_cast<unsigned char>(value ? value : 2);
+    } else {
+        frame[2] = 0x02;
+    }
+    writeReport(frame, 10);
+}
+
+void CUSBTablet::DelTablet()
+{
+    if (m_DeviceThread) {
+        m_DeviceThread->requestInterruption();
+        m_DeviceThread->LinuxRelease();
+        m_DeviceThread->quit();
+        m_DeviceThread->wait();
+        delete m_DeviceThread;
+        m_DeviceThread = nullptr;
+    }
+    if (m_HidDevice) {
+        hid_forget_path(m_HidDevice);
+        hid_close(m_HidDevice);
+        m_HidDevice = nullptr;
+    }
+    delete m_XMLHelp;
+    m_XMLHelp = nullptr;
+    m_Active = false;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ctablet.h"
+
+#include <QMutex>
+
+struct hid_device_;
+typedef struct hid_device_ hid_device;
+class DeviceThread;
+
+// A tablet reached through hidapi, with its own reader thread.
+class CUSBTablet : public CTablet
+{
+    Q_OBJECT
+public:
+    CUSBTablet() = default;
+    ~CUSBTablet() override;
+
+    bool InitTablet(const char *path, const ZelkDevice &row) override;
+    void SentCmd(int command, int p1, int p2) override;
+    void SentSaveFileCmd(int mode, unsigned char *data, int length) override;
+    void SentReadFileCmd(int mode, int value) override;
+    void DelTablet() override;
+
+    // Despite its name it compares PID strings: the slot of the first equal one, or -1.
+    static int IsDeviceShowNameExit(const QString &pidString);
+
+    hid_device *m_HidDevice = nullptr;
+    DeviceThread *m_DeviceThread = nullptr;
+
+signals:
+    void SendDeviceChangeMsg(unsigned short vid, unsigned short pid, short state, char *path);
+
+private:
+    bool openDevice(const char *path);
+    void readIdentity(const ZelkDevice &row);
+    void readCapabilities();
+    void chooseShowName();
+    bool takeSettings();
+    void sendStartPacket(const ZelkDevice &row);
+    void startReader();
+    void askLights();
+    bool displayCommandsAllowed() const;
+    // hidapi allows a write beside a read, but not two writes at once.
+    int writeReport(const unsigned char *data, int length);
+
+    QMutex m_WriteMutex;
+};

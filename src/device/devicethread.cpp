@@ -1,0 +1,62 @@
+#include "devicethread.h"
+
+#include <QDebug>
+#include <QMutexLocker>
+#include <cstring>
+#include <hidapi.h>
+
+DeviceThread::DeviceThread(hid_device *device, QMutex *writeLock, QObject *parent)
+    : QThread(parent), m_Device(device), m_WriteLock(writeLock)
+{
+}
+
+void DeviceThread::run()
+{
+    quint8 report[kReportSize];
+    int result = 0;
+    while (!isInterruptionRequested()) {
+        memset(report, 0, sizeof report);
+        result = hid_read_timeout(m_Device, report, sizeof report, kReadTimeoutMs);
+        if (result == 0)
+            continue;
+        if (result > 0) {
+            if (report[0] == 2 || report[0] == 3)
+                emit MySentTabletPackets(report, result);
+            else
+                logDroppedReport(report);
+            continue;
+        }
+        // Failures count over the thread's whole life, never reset by a good read.
+        usleep(100);
+        if (++m_ErrorCount >= kErrorLimit) {
+            reportFatalError(result);
+            break;
+        }
+    }
+    usleep(50);
+    qDebug() << "DeviceThread Thread exit";
+}
+
+void DeviceThread::logDroppedReport(const quint8 *report)
+{
+    qInfo("src recv %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X %02X",
+          report[0], report[1], report[2], report[3], report[4], report[5], report[6], report[7],
+          report[8], report[9], report[10], report[11], report[12], report[13], report[14]);
+}
+
+void DeviceThread::reportFatalError(int result)
+{
+    const wchar_t *error = hid_error(m_Device);
+    qDebug() << "I AM WRONG:" << (error ? QString::fromWCharArray(error) : QString());
+    emit HidOperatorError(result);
+}
+
+void DeviceThread::LinuxRelease()
+{
+    unsigned char release[10] = {0x02, 0xB0, 0x02};
+    if (m_Device) {
+        QMutexLocker lock(m_WriteLock);
+        hid_write(m_Device, release, sizeof release);
+    }
+    m_ErrorCount = 0;
+}

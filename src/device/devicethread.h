@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QMutex>
+#include <QThread>
+#include <atomic>
+
+struct hid_device_;
+typedef struct hid_device_ hid_device;
+
+// Reads one device's reports and hands ids 2 and 3 on, on this thread.
+class DeviceThread : public QThread
+{
+    Q_OBJECT
+public:
+    // `writeLock` serialises this thread's one write with the tablet's others.
+    DeviceThread(hid_device *device, QMutex *writeLock, QObject *parent = nullptr);
+
+    void LinuxRelease();
+    int errorCount() const { return m_ErrorCount; }
+
+    static constexpr int kReportSize = 64;
+    static constexpr int kReadTimeoutMs = 100;
+    static constexpr int kErrorLimit = 2500;
+
+signals:
+    void MySentTabletPackets(quint8 *packets, int length);
+    void HidOperatorError(int res);
+
+protected:
+    void run() override;
+
+private:
+    void logDroppedReport(const quint8 *report);
+    void reportFatalError(int result);
+
+    hid_device *m_Device;
+    QMutex *m_WriteLock;
+    std::atomic<int> m_ErrorCount{0};
+};

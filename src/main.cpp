@@ -1,0 +1,48 @@
+#include "mainwindow.h"
+#include "qtsingleapplication.h"
+
+#include <QFile>
+#include <QFont>
+#include <QResource>
+#include <cstring>
+
+namespace {
+
+void applyStyleSheet(QApplication &app)
+{
+    QFile file(":/qss/qss/stylesheet.qss");
+    if (!file.open(QFile::ReadOnly))
+        return;
+    const QByteArray content = file.readAll();
+    app.setStyleSheet(QString::fromLatin1(content.constData(), qstrnlen(content.constData(), content.size())));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QtSingleApplication app("ScriboraV3", argc, argv);
+    if (app.isRunning()) {
+        app.sendMessage("Please show ScriboraV3", 5000);
+        return 0;
+    }
+    QResource::registerResource(QCoreApplication::applicationDirPath() + "/resource.rcc");
+    applyStyleSheet(app);
+    QFont font;
+    font.setFamily("Arial");
+    QApplication::setFont(font);
+
+    MainWindow window;
+    QObject::connect(&app, &QtSingleApplication::messageReceived, &window,
+                     &MainWindow::OnShowDriver);
+    if (argc > 1 && strcmp(argv[1], "/mini") == 0) {
+        window.InitSystemTray();
+        window.hide();
+        window.setStartedMinimised(true);
+    } else {
+        window.show();
+    }
+    window.Init();
+    return app.exec();
+}

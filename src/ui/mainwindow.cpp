@@ -1,0 +1,265 @@
+#include "mainwindow.h"
+
+#include "cglobaldata.h"
+#include "ctablet.h"
+#include "cusbtablet.h"
+#include "mylinux.h"
+#include "ui_mainwindow.h"
+#include "zelkdevice.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QMenu>
+#include <QSettings>
+#include <hidapi.h>
+
+MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
+{
+    openConfiguration();
+    ui->setupUi(this);
+    InitLanguageUI();
+    ui->tabWidget->setCurrentIndex(0);
+    setWindowFlags(Qt::FramelessWindowHint | Qt::Window);
+    setWindowTitle("Scribora");
+    setWindowIcon(QIcon(":/image/Res/scribora.png"));
+    connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
+            &MainWindow::onSelectTabletDevice);
+    ui->pushButton_cancel->hide();
+    DeleteUI();
+}
+
+// The text files must be open before any widget exists.
+void MainWindow::openConfiguration()
+{
+    CGlobalData::Name_Config =
+        new QSettings(CGlobalData::configFile("/name_config.ini"), QSettings::IniFormat);
+    CGlobalData::Language_Config =
+        new QSettings(CGlobalData::configFile("/language.ini"), QSettings::IniFormat);
+    CGlobalData::Language_Config->setIniCodec("UTF-8");
+    m_Language = mylinux::get_user_language_setting();
+    CGlobalData::Language_Config->beginGroup(m_Language);
+}
+
+MainWindow::~MainWindow()
+{
+    CloseDevice();
+    qInfo() << "ScriboraV3 Closed.";
+    if (CGlobalData::Language_Config)
+        CGlobalData::Language_Config->endGroup();
+    delete ui;
+}
+
+void MainWindow::InitLanguageUI()
+{
+    const QString copyright = CGlobalData::Name_Config
+                                  ? CGlobalData::Name_Config->value("CopyRight/CopyRightText").toString()
+                                  : QString();
+    if (!copyright.isEmpty())
+        ui->copyright->setText(copyright);
+    ui->version->setText("Ver:3.4.9");
+    const QString ok = languageText("Common.ok");
+    if (!ok.isEmpty())
+        ui->pushButton_ok->setText(ok);
+    const QString cancel = languageText("Common.cancel");
+    if (!cancel.isEmpty())
+        ui->pushButton_cancel->setText(cancel);
+}
+
+int MainWindow::Init()
+{
+    EnmuTabeltDevice();
+    return 1;
+}
+
+bool MainWindow::EnmuTabeltDevice()
+{
+    return EmumDevice();
+}
+
+bool MainWindow::EmumDevice()
+{
+    return EnumDeviceLinux(0);
+}
+
+bool MainWindow::EnumDeviceLinux(int pid)
+{
+    hid_device_info *devices = hid_enumerate(kVendorId, static_cast<unsigned short>(pid & 0xFFFF));
+    if (!devices)
+        return false;
+    bool opened = false;
+    for (const hid_device_info *entry = devices; entry; entry = entry->next) {
+        for (const ZelkDevice &row : zelkDevList) {
+            if (entry->vendor_id != row.vid || entry->product_id != row.pid ||
+                entry->interface_number != static_cast<int>(row.interfaceNumber))
+                continue;
+            // A sixth device is left alone, without a word.
+            if (GetEmptyTabletArray() < 0)
+                break;
+            auto *tablet = new CUSBTablet;
+            tablet->m_DeviceAttributes.DeviceType = row.deviceType;
+            qDebug() << "-------type:" << row.deviceType;
+            if (!tablet->InitTablet(entry->path, row)) {
+                delete tablet;
+                continue;
+            }
+            registerTablet(tablet);
+            opened = true;
+            break;
+        }
+    }
+    hid_free_enumeration(devices);
+    return opened;
+}
+
+void MainWindow::registerTablet(CTablet *tablet)
+{
+    const int slot = GetEmptyTabletArray();
+    tablet->m_Index = slot;
+    CGlobalData::TabletArray[slot] = tablet;
+    const QString showName = QString::fromUtf8(tablet->m_DeviceAttributes.ShowName);
+    const QString modelName = QString::fromUtf8(tablet->m_DeviceAttributes.ModelName);
+    CGlobalData::TabletMap[showName] = tablet;
+    qDebug() << "EnmuTabeltDevice:" << showName << modelName;
+    if (modelName.isEmpty()) {
+        ui->widget_device->addItem(showName, QString());
+    } else {
+        ui->widget_device->addItem(showName, ":/image/tablet/" + modelName + ".png");
+        InitUI(ui->widget_device->currentText());
+    }
+    connectTablet(tablet);
+}
+
+void MainWindow::connectTablet(CTablet *tablet)
+{
+    connect(tablet, qOverload<int, int, int>(&CTablet::PostActionMsg), this,
+            qOverload<int, int, int>(&MainWindow::ReceivActionMsg));
+    connect(tablet, qOverload<int, int, QString>(&CTablet::PostActionMsg), this,
+            qOverload<int, int, QString>(&MainWindow::ReceivActionMsg));
+    connect(tablet, &CTablet::SentTabletLightData, this, &MainWindow::ReceivTabletLightData);
+}
+
+int MainWindow::GetEmptyTabletArray() const
+{
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        if (!CGlobalData::TabletArray[slot])
+            return slot;
+    }
+    return -1;
+}
+
+int MainWindow::IsDeviceShowNameExit(const QString &pidString, CTablet *except) const
+{
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        const CTablet *tablet = CGlobalData::TabletArray[slot];
+        if (tablet && tablet != except &&
+            pidString == QLatin1String(tablet->m_DeviceAttributes.PidString))
+            return slot;
+    }
+    return -1;
+}
+
+int MainWindow::getDeviceListIndex(const QString &path) const
+{
+    for (int index = 0; index < kCatalogueSize; ++index) {
+        const ZelkDevice &row = zelkDevList[index];
+        QString key = QString::asprintf("vid_%04X&pid_%04X&mi_%02d", row.vid, row.pid,
+                                        static_cast<int>(row.interfaceNumber));
+        if (row.collection > 1)
+            key += QString::asprintf("&col%02d", static_cast<int>(row.collection));
+        if (path.contains(key, Qt::CaseInsensitive))
+            return index;
+    }
+    return -1;
+}
+
+void MainWindow::InitUI(const QString &deviceName)
+{
+    CTablet *tablet = CGlobalData::TabletMap.value(deviceName, nullptr);
+    if (!tablet)
+        return;
+    m_CurrentTablet = tablet;
+    tablet->m_DefaultMappingPending = false;
+    ui->tabWidget->show();
+    ui->settingBtn->show();
+    ui->DisConnectLabel->hide();
+    ui->DisconnectTipsLabel->hide();
+}
+
+void MainWindow::DeleteUI()
+{
+    ui->tabWidget->hide();
+    ui->settingBtn->hide();
+    ui->DisConnectLabel->show();
+    ui->DisconnectTipsLabel->show();
+    ui->listWidget_left->clear();
+}
+
+void MainWindow::onSelectTabletDevice(QString deviceName, int)
+{
+    InitUI(deviceName);
+}
+
+void MainWindow::CloseDevice()
+{
+    for (CTablet *&tablet : CGlobalData::TabletArray) {
+        if (!tablet)
+            continue;
+        tablet->DelTablet();
+        delete tablet;
+        tablet = nullptr;
+    }
+    CGlobalData::TabletMap.clear();
+    m_CurrentTablet = nullptr;
+}
+
+void MainWindow::InitSystemTray()
+{
+    if (m_TrayReady)
+        return;
+    m_TrayMenu = new QMenu(this);
+    m_TrayMenu->addAction(languageText("Tray.show", "Show"), this, &MainWindow::OnShowDriver);
+    m_TrayMenu->addAction(languageText("Tray.exit", "Exit"), this, &MainWindow::OnQuiqDriver);
+    m_TrayIcon = new QSystemTrayIcon(QIcon(":/image/Res/scribora.png"), this);
+    m_TrayIcon->setToolTip("Scribora");
+    m_TrayIcon->setContextMenu(m_TrayMenu);
+    connect(m_TrayIcon, &QSystemTrayIcon::activated, this, &MainWindow::onActivated);
+    m_TrayIcon->show();
+    m_TrayReady = true;
+}
+
+void MainWindow::onActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::Trigger)
+        OnShowDriver();
+}
+
+void MainWindow::OnShowDriver()
+{
+    showNormal();
+    raise();
+    activateWindow();
+}
+
+// Every device goes back to the system before the driver ends.
+void MainWindow::OnQuiqDriver()
+{
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->SentCmd(3, 2, 0);
+    }
+    QCoreApplication::quit();
+}
+
+void MainWindow::ReceivActionMsg(int tabletId, int, int)
+{
+    if (tabletId < 0 || tabletId >= kTabletSlots || !CGlobalData::TabletArray[tabletId])
+        return;
+}
+
+void MainWindow::ReceivActionMsg(int tabletId, int, QString)
+{
+    if (tabletId < 0 || tabletId >= kTabletSlots || !CGlobalData::TabletArray[tabletId])
+        return;
+}
+
+void MainWindow::ReceivTabletLightData(CTablet *) {}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QString>
+#include <QSystemTrayIcon>
+#include <QWidget>
+
+namespace Ui {
+class MainWindow;
+}
+class CTablet;
+class QMenu;
+
+// The one top-level window; it also owns the device scan on the GUI thread.
+class MainWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    int Init();
+    bool EnumDeviceLinux(int pid);
+    bool EmumDevice();
+    bool EnmuTabeltDevice();
+    int GetEmptyTabletArray() const;
+    int IsDeviceShowNameExit(const QString &pidString, CTablet *except) const;
+    int getDeviceListIndex(const QString &path) const;
+    void InitUI(const QString &deviceName);
+    void DeleteUI();
+    void InitSystemTray();
+    void InitLanguageUI();
+    void CloseDevice();
+
+    CTablet *currentTablet() const { return m_CurrentTablet; }
+    bool startedMinimised() const { return m_StartedMinimised; }
+    void setStartedMinimised(bool minimised) { m_StartedMinimised = minimised; }
+    Ui::MainWindow *form() const { return ui; }
+
+public slots:
+    void OnShowDriver();
+    void OnQuiqDriver();
+    void ReceivActionMsg(int tabletId, int msgId, int msgData);
+    void ReceivActionMsg(int tabletId, int msgId, QString appPath);
+    void ReceivTabletLightData(CTablet *tablet);
+    void onSelectTabletDevice(QString deviceName, int index);
+
+private slots:
+    void onActivated(QSystemTrayIcon::ActivationReason reason);
+
+private:
+    void openConfiguration();
+    void registerTablet(CTablet *tablet);
+    void connectTablet(CTablet *tablet);
+
+    Ui::MainWindow *ui;
+    CTablet *m_CurrentTablet = nullptr;
+    QString m_Language = QStringLiteral("English");
+    QSystemTrayIcon *m_TrayIcon = nullptr;
+    QMenu *m_TrayMenu = nullptr;
+    bool m_TrayReady = false;
+    bool m_StartedMinimised = false;
+};

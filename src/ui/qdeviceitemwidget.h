@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+
+class QButtonGroup;
+class QHBoxLayout;
+
+// The strip of connected devices: one button each, at most five.
+class QDeviceItemWidget : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit QDeviceItemWidget(QWidget *parent = nullptr);
+
+    static constexpr int kMaxItems = 5;
+
+    bool addItem(const QString &name, const QString &picture);
+    void removeItem(int index);
+    int count() const { return m_Names.size(); }
+    QString currentText() const;
+    int currentIndex() const { return m_Current; }
+
+signals:
+    void onSelectAppItem(QString name, int index);
+
+private:
+    void select(int index);
+
+    QHBoxLayout *m_Layout;
+    QButtonGroup *m_Buttons;
+    QStringList m_Names;
+    int m_Current = -1;
+};
