@@ -1,0 +1,91 @@
+#include "devicefixture.h"
+
+#include <QFile>
+
+void DeviceFixture::SetUp()
+{
+    fakeusb::reset();
+    CGlobalData::ConfigFolder = m_Folder.path();
+    writeConfig(section("QTB0610") + section("QTB0610W") + section("QPD1600"));
+    writeNames("[Common]\nPID_0B40=Scribora Sketch S\n");
+    for (QRect &screen : CGlobalData::ScreenArray)
+        screen = QRect();
+    CGlobalData::ScreenArray[0] = QRect(0, 0, 1920, 1080);
+}
+
+void DeviceFixture::TearDown()
+{
+    for (CTablet *&tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->DelTablet();
+        delete tablet;
+        tablet = nullptr;
+    }
+    CGlobalData::TabletMap.clear();
+    delete CGlobalData::Name_Config;
+    CGlobalData::Name_Config = nullptr;
+    fakeusb::reset();
+}
+
+void DeviceFixture::writeConfig(const QString &sections)
+{
+    QFile file(m_Folder.filePath("config.xml"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(("<Config version=\"3.4.9\">" + sections + "</Config>").toUtf8());
+}
+
+void DeviceFixture::writeNames(const QString &ini)
+{
+    QFile file(m_Folder.filePath("name_config.ini"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(ini.toUtf8());
+    file.close();
+    delete CGlobalData::Name_Config;
+    CGlobalData::Name_Config = new QSettings(file.fileName(), QSettings::IniFormat);
+}
+
+const ZelkDevice &DeviceFixture::row(uint32_t pid)
+{
+    for (const ZelkDevice &candidate : zelkDevList) {
+        if (candidate.pid == pid)
+            return candidate;
+    }
+    ADD_FAILURE() << "no catalogue row for " << pid;
+    return zelkDevList[0];
+}
+
+fakeusb::Bytes DeviceFixture::capabilities(uint32_t maxX, uint32_t maxY, uint16_t pressure,
+                                           uint16_t lpi)
+{
+    return {uint8_t(maxX), uint8_t(maxX >> 8), uint8_t(maxY), uint8_t(maxY >> 8), 0, 0,
+            uint8_t(pressure), uint8_t(pressure >> 8), uint8_t(lpi), uint8_t(lpi >> 8),
+            uint8_t(maxX >> 16), uint8_t(maxY >> 16)};
+}
+
+fakeusb::Device DeviceFixture::tablet(const std::string &name, uint16_t pid, uint8_t port)
+{
+    fakeusb::Device device;
+    device.name = name;
+    device.pid = pid;
+    device.ports = {port};
+    device.address = port;
+    device.strings = {{1, L"Maker"}, {2, L"Sketch Tablet"}, {3, L"SN001"}, {4, L"FW_1.0"},
+                      {5, L"2024-05-06"}};
+    device.rawStrings[100] = capabilities(52324, 29600, 8191, 5080);
+    return device;
+}
+
+QString DeviceFixture::section(const QString &model, int keys)
+{
+    QString keyList;
+    for (int i = 1; i <= keys; ++i)
+        keyList += QString("<K%1 id=\"0\" Motid=\"%1\" Actid=\"%1\" Show=\"1\"/>").arg(i);
+    return QString("<%1><DeviceInfo><DeviceKeyNum>%2</DeviceKeyNum></DeviceInfo>"
+                   "<Common><ScreenMapping id=\"0\"><SX>0</SX><SY>0</SY><SW>0</SW><SH>0</SH>"
+                   "</ScreenMapping><TabletPannel Orientation=\"0\"><TX>0</TX><TY>0</TY>"
+                   "<TW>0</TW><TH>0</TH></TabletPannel></Common>"
+                   "<CommonAPP><K>%3</K></CommonAPP><Apps/></%1>")
+        .arg(model)
+        .arg(keys)
+        .arg(keyList);
+}
