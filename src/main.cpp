@@ -6,7 +6,8 @@
 #include <QResource>
 #include <cstring>
 
-namespace {
+namespace
+{
 
 void applyStyleSheet(QApplication &app)
 {
@@ -14,7 +15,8 @@ void applyStyleSheet(QApplication &app)
     if (!file.open(QFile::ReadOnly))
         return;
     const QByteArray content = file.readAll();
-    app.setStyleSheet(QString::fromLatin1(content.constData(), qstrnlen(content.constData(), content.size())));
+    app.setStyleSheet(
+        QString::fromLatin1(content.constData(), qstrnlen(content.constData(), content.size())));
 }
 
 } // namespace

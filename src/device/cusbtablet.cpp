@@ -7,15 +7,16 @@
 #include "xmlhelp.h"
 
 #include <QDebug>
-#include <algorithm>
-#include <initializer_list>
 #include <QMessageBox>
 #include <QMutexLocker>
 #include <QSettings>
+#include <algorithm>
 #include <cstring>
 #include <hidapi.h>
+#include <initializer_list>
 
-namespace {
+namespace
+{
 
 constexpr int kFrameSize = 64;
 constexpr int kStringLimit = 64;
@@ -168,8 +169,8 @@ void CUSBTablet::startReader()
                 &CTablet::ReceiveTabletPackets, Qt::DirectConnection);
         m_Active = true;
         // There is no recovery slot: a reader that gives up stays silent.
-        connect(m_DeviceThread, SIGNAL(HidOperatorError(int)), this,
-                SLOT(OnDeviceConnError(int)), Qt::DirectConnection);
+        connect(m_DeviceThread, SIGNAL(HidOperatorError(int)), this, SLOT(OnDeviceConnError(int)),
+                Qt::DirectConnection);
     }
     m_DeviceThread->start(QThread::InheritPriority);
 }

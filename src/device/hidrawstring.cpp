@@ -7,7 +7,8 @@
 #include <cstring>
 #include <libusb.h>
 
-namespace {
+namespace
+{
 
 constexpr int kDescriptorBufferSize = 512;
 constexpr unsigned kTransferTimeoutMs = 1000;
@@ -109,10 +110,10 @@ QByteArray get_usb_string2(libusb_device_handle *handle, int index)
 {
     const uint16_t language = chooseLanguage(handle);
     unsigned char buffer[kDescriptorBufferSize] = {};
-    const int length = libusb_control_transfer(
-        handle, LIBUSB_ENDPOINT_IN, LIBUSB_REQUEST_GET_DESCRIPTOR,
-        static_cast<uint16_t>((LIBUSB_DT_STRING << 8) | (index & 0xFF)), language, buffer,
-        sizeof buffer, kTransferTimeoutMs);
+    const int length =
+        libusb_control_transfer(handle, LIBUSB_ENDPOINT_IN, LIBUSB_REQUEST_GET_DESCRIPTOR,
+                                static_cast<uint16_t>((LIBUSB_DT_STRING << 8) | (index & 0xFF)),
+                                language, buffer, sizeof buffer, kTransferTimeoutMs);
     if (length < 0)
         return {};
     if (length <= 2)

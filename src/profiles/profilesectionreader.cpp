@@ -7,7 +7,8 @@
 #include <cstring>
 #include <limits>
 
-namespace {
+namespace
+{
 
 int16_t toI16(const QString &text)
 {
@@ -206,7 +207,8 @@ void ProfileSectionReader::readPen(const QDomElement &element, stPenConfig &pen)
     for (QDomElement child = element.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
         const QString tag = child.tagName();
-        const int button = tag.startsWith("PenBtn") && tag.length() == 7 ? tag[6].unicode() - '0' : -1;
+        const int button =
+            tag.startsWith("PenBtn") && tag.length() == 7 ? tag[6].unicode() - '0' : -1;
         if (!inRange(button, kPenBtnCount)) {
             readPenValues(child, pen);
             continue;
@@ -241,8 +243,7 @@ void ProfileSectionReader::readPenValues(const QDomElement &child, stPenConfig &
     }
 }
 
-void ProfileSectionReader::readKeys(const QDomElement &element, _stAppConfigNode &node,
-                                    bool inApp)
+void ProfileSectionReader::readKeys(const QDomElement &element, _stAppConfigNode &node, bool inApp)
 {
     const _stAppConfigNode &common = m_data->CommonAPP;
     if (!m_data->SupportGroupKeys) {
@@ -313,8 +314,8 @@ bool ProfileSectionReader::readRing(const QDomElement &element, _stAppConfigNode
 void ProfileSectionReader::readRingItems(const QDomElement &element, stRingConfig &ring)
 {
     int index = 0;
-    for (QDomElement child = element.firstChildElement();
-         !child.isNull() && index < kRingItemCount; child = child.nextSiblingElement(), ++index) {
+    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kRingItemCount;
+         child = child.nextSiblingElement(), ++index) {
         stRingItem &item = ring.Item[index];
         item.id = attrI16(child, "id");
         if (item.id == 2)
@@ -352,7 +353,8 @@ void ProfileSectionReader::readAppPen(const QDomElement &element, int index, stP
     for (QDomElement child = element.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
         const QString tag = child.tagName();
-        const int button = tag.startsWith("PenBtn") && tag.length() == 7 ? tag[6].unicode() - '0' : -1;
+        const int button =
+            tag.startsWith("PenBtn") && tag.length() == 7 ? tag[6].unicode() - '0' : -1;
         if (!inRange(button, kPenBtnCount)) {
             readPenValues(child, pen);
             continue;

@@ -7,7 +7,8 @@
 #include <QDomDocument>
 #include <QFile>
 
-namespace {
+namespace
+{
 
 // Applications of one section, linked in file order; a later record with
 // the same path replaces the earlier one in the map and in the chain.

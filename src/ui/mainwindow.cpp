@@ -51,9 +51,10 @@ MainWindow::~MainWindow()
 
 void MainWindow::InitLanguageUI()
 {
-    const QString copyright = CGlobalData::Name_Config
-                                  ? CGlobalData::Name_Config->value("CopyRight/CopyRightText").toString()
-                                  : QString();
+    const QString copyright =
+        CGlobalData::Name_Config
+            ? CGlobalData::Name_Config->value("CopyRight/CopyRightText").toString()
+            : QString();
     if (!copyright.isEmpty())
         ui->copyright->setText(copyright);
     ui->version->setText("Ver:3.4.9");

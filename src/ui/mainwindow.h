@@ -4,7 +4,8 @@
 #include <QSystemTrayIcon>
 #include <QWidget>
 
-namespace Ui {
+namespace Ui
+{
 class MainWindow;
 }
 class CTablet;

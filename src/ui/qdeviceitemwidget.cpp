@@ -6,7 +6,8 @@
 #include <QHBoxLayout>
 #include <QToolButton>
 
-namespace {
+namespace
+{
 const char *const kDefaultPicture = ":/image/Res/device.png";
 }
 

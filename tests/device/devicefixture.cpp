@@ -57,9 +57,18 @@ const ZelkDevice &DeviceFixture::row(uint32_t pid)
 fakeusb::Bytes DeviceFixture::capabilities(uint32_t maxX, uint32_t maxY, uint16_t pressure,
                                            uint16_t lpi)
 {
-    return {uint8_t(maxX), uint8_t(maxX >> 8), uint8_t(maxY), uint8_t(maxY >> 8), 0, 0,
-            uint8_t(pressure), uint8_t(pressure >> 8), uint8_t(lpi), uint8_t(lpi >> 8),
-            uint8_t(maxX >> 16), uint8_t(maxY >> 16)};
+    return {uint8_t(maxX),
+            uint8_t(maxX >> 8),
+            uint8_t(maxY),
+            uint8_t(maxY >> 8),
+            0,
+            0,
+            uint8_t(pressure),
+            uint8_t(pressure >> 8),
+            uint8_t(lpi),
+            uint8_t(lpi >> 8),
+            uint8_t(maxX >> 16),
+            uint8_t(maxY >> 16)};
 }
 
 fakeusb::Device DeviceFixture::tablet(const std::string &name, uint16_t pid, uint8_t port)
@@ -69,8 +78,8 @@ fakeusb::Device DeviceFixture::tablet(const std::string &name, uint16_t pid, uin
     device.pid = pid;
     device.ports = {port};
     device.address = port;
-    device.strings = {{1, L"Maker"}, {2, L"Sketch Tablet"}, {3, L"SN001"}, {4, L"FW_1.0"},
-                      {5, L"2024-05-06"}};
+    device.strings = {
+        {1, L"Maker"}, {2, L"Sketch Tablet"}, {3, L"SN001"}, {4, L"FW_1.0"}, {5, L"2024-05-06"}};
     device.rawStrings[100] = capabilities(52324, 29600, 8191, 5080);
     return device;
 }

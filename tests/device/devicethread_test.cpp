@@ -7,7 +7,8 @@
 #include <QSignalSpy>
 #include <hidapi.h>
 
-namespace {
+namespace
+{
 
 using fakeusb::Bytes;
 

@@ -6,7 +6,8 @@
 #include <QMessageBox>
 #include <QTimer>
 
-namespace {
+namespace
+{
 
 using fakeusb::Bytes;
 

@@ -5,7 +5,8 @@
 #include <cstring>
 #include <hidapi.h>
 
-namespace {
+namespace
+{
 
 using fakeusb::Bytes;
 
@@ -19,8 +20,8 @@ protected:
         auto *tablet = new CUSBTablet;
         const ZelkDevice &catalogued = row(pid);
         tablet->m_DeviceAttributes.DeviceType = catalogued.deviceType;
-        m_Opened = tablet->InitTablet(fakeusb::hidPath(device.name, catalogued.interfaceNumber).c_str(),
-                                      catalogued);
+        m_Opened = tablet->InitTablet(
+            fakeusb::hidPath(device.name, catalogued.interfaceNumber).c_str(), catalogued);
         m_Tablets.emplace_back(tablet);
         return *tablet;
     }
@@ -68,18 +69,41 @@ TEST_P(Ranges, DecodedFromDescriptor100)
 
 INSTANTIATE_TEST_SUITE_P(
     Session, Ranges,
-    ::testing::Values(
-        RangeCase{"sixteenBit", {0x64, 0xCC, 0xA0, 0x73, 0, 0, 0xFF, 0x1F, 0xD8, 0x13, 0, 0},
-                  52324, 29600, 8191, 5080, 1030, 582},
-        // 86420 = 0x15194, 50000 = 0xC350, at 5000 lpi
-        RangeCase{"twentyFourBit", {0x94, 0x51, 0x50, 0xC3, 0, 0, 0xFF, 0x3F, 0x88, 0x13, 0x01, 0x00},
-                  86420, 50000, 16383, 5000, 1728, 1000},
-        RangeCase{"bothHighBytes", {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0x64, 0, 0xFF, 0xFF},
-                  0xFFFFFF, 0xFFFFFF, 0, 100, 16777215, 16777215},
-        RangeCase{"lpiZeroMeans5080", {0x10, 0x27, 0x88, 0x13, 0, 0, 0, 4, 0, 0, 0, 0},
-                  10000, 5000, 1024, 5080, 196, 98},
-        RangeCase{"shortPayload", {0x10, 0x27}, 10000, 0, 0, 5080, 196, 0},
-        RangeCase{"emptyPayload", {}, 0, 0, 0, 5080, 0, 0}),
+    ::testing::Values(RangeCase{"sixteenBit",
+                                {0x64, 0xCC, 0xA0, 0x73, 0, 0, 0xFF, 0x1F, 0xD8, 0x13, 0, 0},
+                                52324,
+                                29600,
+                                8191,
+                                5080,
+                                1030,
+                                582},
+                      // 86420 = 0x15194, 50000 = 0xC350, at 5000 lpi
+                      RangeCase{"twentyFourBit",
+                                {0x94, 0x51, 0x50, 0xC3, 0, 0, 0xFF, 0x3F, 0x88, 0x13, 0x01, 0x00},
+                                86420,
+                                50000,
+                                16383,
+                                5000,
+                                1728,
+                                1000},
+                      RangeCase{"bothHighBytes",
+                                {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0x64, 0, 0xFF, 0xFF},
+                                0xFFFFFF,
+                                0xFFFFFF,
+                                0,
+                                100,
+                                16777215,
+                                16777215},
+                      RangeCase{"lpiZeroMeans5080",
+                                {0x10, 0x27, 0x88, 0x13, 0, 0, 0, 4, 0, 0, 0, 0},
+                                10000,
+                                5000,
+                                1024,
+                                5080,
+                                196,
+                                98},
+                      RangeCase{"shortPayload", {0x10, 0x27}, 10000, 0, 0, 5080, 196, 0},
+                      RangeCase{"emptyPayload", {}, 0, 0, 0, 5080, 0, 0}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(Session, ADeviceWithoutStringsStillRuns)
@@ -213,7 +237,7 @@ TEST_F(Session, RawDescriptorCopyIsPaddedAndBounded)
 struct CommandCase {
     const char *name;
     int command, p1, p2;
-    Bytes frame;  // empty: nothing is sent
+    Bytes frame; // empty: nothing is sent
 };
 
 // Frames are compared over their whole length as the device sees them.

@@ -7,7 +7,8 @@
 #include <cstring>
 #include <memory>
 
-namespace {
+namespace
+{
 
 // One profile file in a temporary folder, read as a device would read it.
 class ProfileFile : public ::testing::Test
@@ -168,11 +169,11 @@ TEST_P(Calibration, EighthElementDecides)
 
 INSTANTIATE_TEST_SUITE_P(
     ProfileFile, Calibration,
-    ::testing::Values(CalibrationCase{"absent", "", 0.0f},
-                      CalibrationCase{"otherTag", "<Calib fKX=\"3\"/>", 1.0f},
-                      CalibrationCase{"sc", "<SC fKX=\"2\" fKY=\"2\" fXLC=\"2\" fYLC=\"2\"/>", 2.0f},
-                      CalibrationCase{"scUnparsable",
-                                      "<SC fKX=\"x\" fKY=\"\" fXLC=\"1e\" fYLC=\"--\"/>", 0.0f}),
+    ::testing::Values(
+        CalibrationCase{"absent", "", 0.0f},
+        CalibrationCase{"otherTag", "<Calib fKX=\"3\"/>", 1.0f},
+        CalibrationCase{"sc", "<SC fKX=\"2\" fKY=\"2\" fXLC=\"2\" fYLC=\"2\"/>", 2.0f},
+        CalibrationCase{"scUnparsable", "<SC fKX=\"x\" fKY=\"\" fXLC=\"1e\" fYLC=\"--\"/>", 0.0f}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(ProfileFile, PensByTagNumber)
@@ -381,11 +382,12 @@ TEST_F(ProfileFile, ApplicationsChainInFileOrderAndLaterPathWins)
 
 TEST_F(ProfileFile, UnparsableNumbersReadAsZero)
 {
-    writeSection("<DeviceInfo><DeviceKeyNum>eight</DeviceKeyNum><DeviceRingNum>70000</DeviceRingNum>"
-                 "<DevicePenType> 2 </DevicePenType></DeviceInfo>"
-                 "<Common><S id=\"0x10\"><SX>1.5</SX></S></Common>"
-                 "<CommonAPP><Pen1><P0>high</P0><RelativeCoords Speed=\"fast\">x</RelativeCoords>"
-                 "</Pen1></CommonAPP>");
+    writeSection(
+        "<DeviceInfo><DeviceKeyNum>eight</DeviceKeyNum><DeviceRingNum>70000</DeviceRingNum>"
+        "<DevicePenType> 2 </DevicePenType></DeviceInfo>"
+        "<Common><S id=\"0x10\"><SX>1.5</SX></S></Common>"
+        "<CommonAPP><Pen1><P0>high</P0><RelativeCoords Speed=\"fast\">x</RelativeCoords>"
+        "</Pen1></CommonAPP>");
     data->DeviceKeyNum = 5;
     ASSERT_EQ(load(), 1);
     EXPECT_EQ(data->DeviceKeyNum, 0);
@@ -428,11 +430,16 @@ TEST_F(ProfileFile, TooManyChildrenAndOutOfRangeIndexesAreIgnored)
     for (int i = 0; i < 20; ++i)
         areas += QString("<a X=\"%1\"/>").arg(i);
     writeSection("<DeviceInfo><DeviceRingNum>-3</DeviceRingNum></DeviceInfo>"
-                 "<Common><S/><T/><a/><b/><c/><d/><O>" + areas + "</O><SC/><Extra/></Common>"
-                 "<CommonAPP><K>" + keys + "</K><R>" + items + "</R>"
+                 "<Common><S/><T/><a/><b/><c/><d/><O>" +
+                 areas +
+                 "</O><SC/><Extra/></Common>"
+                 "<CommonAPP><K>" +
+                 keys + "</K><R>" + items +
+                 "</R>"
                  "<Pen9><P0>1</P0></Pen9><Pen0><P0>1</P0></Pen0><Pen-7><P0>1</P0></Pen-7>"
                  "<Pen99999999999><P0>1</P0></Pen99999999999><PR id=\"1\"/></CommonAPP>"
-                 "<Apps><app><path>x</path><K>" + keys + "</K><Pen12/></app></Apps>");
+                 "<Apps><app><path>x</path><K>" +
+                 keys + "</K><Pen12/></app></Apps>");
     ASSERT_EQ(load(), 1);
     EXPECT_EQ(data->CommonAPP.Key[39].Motid, 40);
     EXPECT_STREQ(data->CommonAPP.Key[39].func, "f40");
