@@ -7,6 +7,7 @@ packages=(
     qtbase5-dev qtbase5-dev-tools
     libhidapi-dev libusb-1.0-0-dev
     libgtest-dev libbenchmark-dev
+    xvfb x11-utils
 )
 
 as_root=()

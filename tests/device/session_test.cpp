@@ -49,6 +49,11 @@ struct RangeCase {
     int pressure, lpi, width, height;
 };
 
+void PrintTo(const RangeCase &value, std::ostream *out)
+{
+    *out << value.name;
+}
+
 class Ranges : public Session, public ::testing::WithParamInterface<RangeCase>
 {
 };
@@ -240,6 +245,11 @@ struct CommandCase {
     Bytes frame; // empty: nothing is sent
 };
 
+void PrintTo(const CommandCase &value, std::ostream *out)
+{
+    *out << value.name;
+}
+
 // Frames are compared over their whole length as the device sees them.
 class Commands : public Session, public ::testing::WithParamInterface<CommandCase>
 {
@@ -247,6 +257,7 @@ class Commands : public Session, public ::testing::WithParamInterface<CommandCas
 
 TEST_P(Commands, FrameByteForByte)
 {
+    writeConfig(section(QString::fromLatin1(row(0x0A5B).name)));
     fakeusb::Device display = tablet("display", 0x0A5B, 1);
     CUSBTablet &session = open(display, 0x0A5B);
     ASSERT_TRUE(m_Opened);

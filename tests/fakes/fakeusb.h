@@ -9,32 +9,35 @@
 #include <string>
 #include <vector>
 
-namespace fakeusb {
+namespace fakeusb
+{
 
 using Bytes = std::vector<uint8_t>;
 
 struct Device {
-    std::string name;                // the test's handle for the device
+    std::string name; // the test's handle for the device
     uint16_t vid = 0x5A3C;
     uint16_t pid = 0;
     uint8_t bus = 1;
-    std::vector<uint8_t> ports{1};   // hidapi path "bus-p1.p2:1.iface"
+    std::vector<uint8_t> ports{1}; // hidapi path "bus-p1.p2:1.iface"
     uint8_t address = 1;
     std::vector<int> interfaces{0, 1, 2};
-    std::map<int, std::wstring> strings;  // text string descriptors (1 maker, 2 product, 3 serial, 4, 5, ...)
-    std::map<int, Bytes> rawStrings;      // binary string descriptors, payload only (e.g. 100)
+    // text string descriptors (1 maker, 2 product, 3 serial, 4, 5, ...)
+    std::map<int, std::wstring> strings;
+    std::map<int, Bytes> rawStrings; // binary string descriptors, payload only (e.g. 100)
     std::vector<uint16_t> langIds{0x0409};
-    bool openable = true;                 // false: hid_open_path fails (as without root rights)
-    bool controlTransfersFail = false;    // every libusb control transfer fails
+    // false: hid_open_path and libusb_open fail, enumeration has no strings (as without root)
+    bool openable = true;
+    bool controlTransfersFail = false; // every libusb control transfer fails
 };
 
 struct Write {
-    std::string path;  // hidapi path of the handle written to
-    Bytes data;        // exactly the bytes given, of the length given
+    std::string path; // hidapi path of the handle written to
+    Bytes data;       // exactly the bytes given, of the length given
 };
 
 struct ControlTransfer {
-    std::string device;  // Device::name
+    std::string device; // Device::name
     uint8_t requestType;
     uint8_t request;
     uint16_t value;
@@ -70,4 +73,4 @@ int openUsbHandles();
 int hidOpenCalls();
 int hidReadCalls(const std::string &name);
 
-}  // namespace fakeusb
+} // namespace fakeusb

@@ -151,6 +151,11 @@ struct CalibrationCase {
     float expected;
 };
 
+void PrintTo(const CalibrationCase &value, std::ostream *out)
+{
+    *out << value.name;
+}
+
 class Calibration : public ProfileFile, public ::testing::WithParamInterface<CalibrationCase>
 {
 };

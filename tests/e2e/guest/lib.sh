@@ -1,0 +1,74 @@
+# Helpers for scripts that run inside the e2e guest (sourced by bash).
+# The guest sees the host's files read-only at the same paths; writes go to a
+# RAM overlay, except $E2E_OUT, which the host reads after the run.
+
+E2E_GUEST_DIR="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+: "${E2E_OUT:=/e2e/run/out}"
+SCRIBORA_CONF_DIR=/usr/lib/scribora/conf/norva
+SCRIBORA_PID=""
+
+guest_log() { echo "guest: $*"; }
+
+# emuctl VERB ARGS... : one request on the emulator's control channel.
+emuctl() { /usr/bin/python3 "$E2E_GUEST_DIR/emuctl.py" "$@"; }
+
+# Lays down the configuration folder from the files the build generated.
+scribora_install_conf() {
+    local build="$1" f
+    for f in config.xml name_config.ini language.ini; do
+        if [ ! -s "$build/conf/$f" ]; then
+            guest_log "missing $build/conf/$f (is the scribora_data target built?)"
+            return 1
+        fi
+    done
+    mkdir -p "$SCRIBORA_CONF_DIR" || return 1
+    cp "$build/conf/config.xml" "$build/conf/name_config.ini" "$build/conf/language.ini" \
+        "$SCRIBORA_CONF_DIR/" || return 1
+    guest_log "configuration folder $SCRIBORA_CONF_DIR: $(cd "$SCRIBORA_CONF_DIR" && echo *)"
+}
+
+# scribora_start BINARY [ARGS...] : starts the driver in the background.
+# Its output goes to $E2E_OUT/scribora.log; the marks let the host-side checks
+# look only at what happened while it ran.
+scribora_start() {
+    local bin="$1"
+    shift
+    if [ ! -x "$bin" ]; then
+        guest_log "scribora binary $bin not found"
+        return 1
+    fi
+    mkdir -p "$E2E_OUT"
+    export QT_QPA_PLATFORM=offscreen
+    export XDG_RUNTIME_DIR=/tmp/runtime-root
+    install -d -m 0700 "$XDG_RUNTIME_DIR"
+    emuctl mark scribora-start >/dev/null || return 1
+    "$bin" "$@" > "$E2E_OUT/scribora.log" 2>&1 &
+    SCRIBORA_PID=$!
+    guest_log "scribora started (pid $SCRIBORA_PID)"
+}
+
+# scribora_stop : SIGTERM, then records whether it was still running and how it
+# ended in $E2E_OUT/scribora.status (read by the host-side crash check).
+scribora_stop() {
+    local alive=0 rc
+    [ -n "$SCRIBORA_PID" ] || return 1
+    kill -0 "$SCRIBORA_PID" 2>/dev/null && alive=1
+    emuctl mark scribora-stop >/dev/null
+    if [ "$alive" = 1 ]; then
+        kill -TERM "$SCRIBORA_PID"
+        for _ in $(seq 100); do
+            kill -0 "$SCRIBORA_PID" 2>/dev/null || break
+            sleep 0.1
+        done
+        if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
+            guest_log "scribora ignored SIGTERM for 10 s, killing it"
+            kill -KILL "$SCRIBORA_PID"
+        fi
+    fi
+    wait "$SCRIBORA_PID"
+    rc=$?
+    printf 'alive_before_stop=%s\nexit_status=%s\n' "$alive" "$rc" > "$E2E_OUT/scribora.status"
+    guest_log "scribora stopped: alive before stop $alive, exit status $rc"
+    SCRIBORA_PID=""
+    [ "$alive" = 1 ]
+}
