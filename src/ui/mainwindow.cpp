@@ -31,6 +31,8 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
 // The text files must be open before any widget exists.
 void MainWindow::openConfiguration()
 {
+    delete CGlobalData::Name_Config;
+    delete CGlobalData::Language_Config;
     CGlobalData::Name_Config =
         new QSettings(CGlobalData::configFile("/name_config.ini"), QSettings::IniFormat);
     CGlobalData::Language_Config =
@@ -46,6 +48,8 @@ MainWindow::~MainWindow()
     qInfo() << "ScriboraV3 Closed.";
     if (CGlobalData::Language_Config)
         CGlobalData::Language_Config->endGroup();
+    delete CGlobalData::Language_Config;
+    CGlobalData::Language_Config = nullptr;
     delete ui;
 }
 

@@ -1,9 +1,15 @@
 #include "cusbtablet.h"
 #include "devicefixture.h"
 #include "mainwindow.h"
+#include "qdeviceitemwidget.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QDir>
+#include <QFile>
+#include <QResource>
+#include <QLabel>
+#include <QTabWidget>
 #include <QTimer>
 
 namespace
@@ -88,6 +94,34 @@ TEST_F(Enumeration, OpensACataloguedTablet)
         askedForDescriptor100 |= transfer.requestType == 0x80 && transfer.request == 6 &&
                                  transfer.value == 0x0364 && transfer.index == 0x0409;
     EXPECT_TRUE(askedForDescriptor100);
+}
+
+TEST_F(Enumeration, TheWindowShowsTheOpenedDevice)
+{
+    MainWindow window;
+    window.show();
+    auto *strip = window.findChild<QDeviceItemWidget *>("widget_device");
+    auto *pages = window.findChild<QTabWidget *>("tabWidget");
+    auto *disconnected = window.findChild<QLabel *>("DisconnectTipsLabel");
+    ASSERT_TRUE(strip && pages && disconnected);
+    EXPECT_FALSE(pages->isVisible());
+    EXPECT_TRUE(disconnected->isVisible());
+
+    fakeusb::addDevice(tablet("tab", 0x0B40, 1));
+    ASSERT_TRUE(window.EnumDeviceLinux(0));
+    EXPECT_EQ(strip->count(), 1);
+    EXPECT_EQ(strip->currentText(), "Scribora Sketch S");
+    EXPECT_TRUE(pages->isVisible());
+    EXPECT_FALSE(disconnected->isVisible());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(strip->findChild<QWidget *>("DeviceNameGroup")->isVisible());
+
+    QResource::registerResource(RESOURCE_FILE);
+    QFile style(":/qss/qss/stylesheet.qss");
+    if (style.open(QIODevice::ReadOnly))
+        window.setStyleSheet(QString::fromLatin1(style.readAll()));
+    QDir().mkpath(SCREENSHOT_DIR);
+    window.grab().save(SCREENSHOT_DIR "/window-one-device.png");
 }
 
 TEST_F(Enumeration, LoadsTheModelSectionWithDefaults)
