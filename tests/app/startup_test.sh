@@ -5,7 +5,6 @@
 set -u
 scribora=$1
 work=$(mktemp -d)
-display=":$((90 + RANDOM % 400))"
 pids=()
 
 cleanup() {
@@ -25,9 +24,13 @@ check() {
     fi
 }
 
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >"$work/xvfb.log" 2>&1 &
+# -noreset: the server would otherwise reset when its last client leaves and
+# refuse the next start for a moment. -displayfd picks a free display.
+Xvfb -displayfd 3 -noreset -screen 0 1280x800x24 -nolisten tcp \
+    3>"$work/display" >"$work/xvfb.log" 2>&1 &
 pids+=($!)
-export DISPLAY=$display
+for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
+export DISPLAY=":$(head -n1 "$work/display")"
 export XDG_RUNTIME_DIR=$work
 unset QT_QPA_PLATFORM
 for _ in $(seq 100); do xwininfo -root >/dev/null 2>&1 && break; sleep 0.1; done

@@ -4,11 +4,11 @@
 #include "qdeviceitemwidget.h"
 
 #include <QApplication>
-#include <QMessageBox>
 #include <QDir>
 #include <QFile>
-#include <QResource>
 #include <QLabel>
+#include <QMessageBox>
+#include <QResource>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -29,8 +29,11 @@ protected:
 
     bool scan(int pid = 0)
     {
-        if (!m_Window)
+        if (!m_Window) {
             m_Window = std::make_unique<MainWindow>();
+            // The window reads the (offscreen) desktop; the profile expects 1080p.
+            CGlobalData::ScreenArray[0] = QRect(0, 0, 1920, 1080);
+        }
         return m_Window->EnumDeviceLinux(pid);
     }
 

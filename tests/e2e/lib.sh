@@ -38,6 +38,12 @@ e2e_init() {
             echo "FAIL: E2E_CACHE=$E2E_CACHE is inside the repository or the harness folder"
             exit 1 ;;
     esac
+    # The guest mounts fresh tmpfs on these, so a tree there is invisible to it.
+    case "$E2E_BUILD/" in
+        /tmp/*|/var/tmp/*)
+            echo "FAIL: the build tree $E2E_BUILD is under /tmp or /var/tmp, which the guest does not see"
+            exit 1 ;;
+    esac
     if [ ! -x "$SCRIBORA_BIN" ]; then
         echo "FAIL: scribora binary $SCRIBORA_BIN not found"
         exit 1
