@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+
+// The fixed absolute space of the pen and eraser devices.
+constexpr int kAbsMaxX = 52324;
+constexpr int kAbsMaxY = 29600;
+constexpr int kAbsMaxPressure = 8191;
+constexpr int kAbsMinTilt = -63;
+constexpr int kAbsMaxTilt = 64;
+
+// The three virtual devices the desktop sees: pen, mouse-and-keyboard and eraser, made
+// through uinput. One instance lives for the whole process.
+class MyInput
+{
+public:
+    MyInput() = default;
+    ~MyInput();
+    MyInput(const MyInput &) = delete;
+    MyInput &operator=(const MyInput &) = delete;
+
+    int Init();
+    int OpenAbsUinput();
+    int OpenRelUinput();
+    int OpenAbsEraserUinput();
+    void CloseUinput();
+
+    void UpdateDigit(uint8_t status, uint16_t x, uint16_t y, uint16_t press, int8_t tiltX,
+                     int8_t tiltY, bool eraser);
+    void UpdateRelMouse(uint8_t status, int16_t dx, int16_t dy);
+    void UpdateWheelRel(int fd, int16_t delta);
+    void KeyEvent(int code, bool pressed);
+    void DoMouseFunc(int id, bool pressed, bool flag);
+    void ActionLibrary(int id, bool pressed);
+    void RingActionLibrary(int id, bool up);
+
+    // Descriptors are 0 for a device that did not open.
+    int absFd() const { return m_absFd; }
+    int relFd() const { return m_relFd; }
+    int eraserFd() const { return m_eraserFd; }
+    int lastDevice() const { return m_lastDevice; }
+
+private:
+    int m_absFd = 0;
+    int m_relFd = 0;
+    int m_eraserFd = 0;
+    int m_lastDevice = 0;
+};
