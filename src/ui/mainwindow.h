@@ -10,6 +10,7 @@ class MainWindow;
 }
 class CTablet;
 class QMenu;
+class QRect;
 
 // The one top-level window; it also owns the device scan on the GUI thread.
 class MainWindow : public QWidget
@@ -31,6 +32,9 @@ public:
     void InitSystemTray();
     void InitLanguageUI();
     void CloseDevice();
+    void EnumDisplay(bool screensChanged);
+    static void EnumLogicDisplay();
+    static void SortQRectRect(QRect *src, QRect *dst, int count, bool trackPrimary);
 
     CTablet *currentTablet() const { return m_CurrentTablet; }
     bool startedMinimised() const { return m_StartedMinimised; }
@@ -44,12 +48,15 @@ public slots:
     void ReceivActionMsg(int tabletId, int msgId, QString appPath);
     void ReceivTabletLightData(CTablet *tablet);
     void onSelectTabletDevice(QString deviceName, int index);
+    void GetScreenCalibrate(float fkx, float fky, float fxlc, float fylc);
+    void onDeskScreenChanged(int);
 
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
 private:
     void openConfiguration();
+    void connectDesktopSignals();
     void registerTablet(CTablet *tablet);
     void connectTablet(CTablet *tablet);
 
