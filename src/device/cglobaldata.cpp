@@ -14,6 +14,7 @@ QRect CGlobalData::ScreenArray[kScreenSlots];
 QRect CGlobalData::LogicScreenArray[kScreenSlots];
 int CGlobalData::PrimaryID = 0;
 int CGlobalData::ScreenNum = 0;
+MyInput CGlobalData::MyInputDriver;
 QString CGlobalData::ConfigFolder = QStringLiteral("/usr/lib/scribora/conf/norva");
 
 QString languageText(const char *key)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "myinput.h"
+
 #include <QMap>
 #include <QMutex>
 #include <QRect>
@@ -31,6 +33,8 @@ public:
     static QRect LogicScreenArray[kScreenSlots];
     static int PrimaryID;
     static int ScreenNum;
+    // The virtual devices; opened once by the window, written by every reader thread.
+    static MyInput MyInputDriver;
 
     // The configuration folder; tests point it at a folder of their own.
     static QString ConfigFolder;

@@ -1,5 +1,6 @@
 #include "ctablet.h"
 
+#include "caction.h"
 #include "cglobaldata.h"
 #include "xmlhelp.h"
 
@@ -14,9 +15,10 @@ CTablet::CTablet()
     m_IncomingNode = new _stAppConfigNode{};
     m_XMLHelp = new XMLHelp(CGlobalData::configFile("/config.xml"));
     memset(&m_DeviceAttributes, 0, sizeof m_DeviceAttributes);
-    connect(this, qOverload<int, int, int>(&CTablet::PostActionMsg), this,
+    m_Action = new CAction(this);
+    connect(m_Action, qOverload<int, int, int>(&CAction::PostActionMsg), this,
             qOverload<int, int, int>(&CTablet::ReceivActionMsg));
-    connect(this, qOverload<int, int, QString>(&CTablet::PostActionMsg), this,
+    connect(m_Action, qOverload<int, int, QString>(&CAction::PostActionMsg), this,
             qOverload<int, int, QString>(&CTablet::ReceivActionMsg));
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "deviceattributes.h"
+#include "multidata.h"
 #include "settingsrecords.h"
+#include "tabletdata.h"
 #include "zelkdevice.h"
 
 #include <QByteArray>
@@ -11,6 +13,7 @@
 #include <QRect>
 #include <QWaitCondition>
 
+class CAction;
 class XMLHelp;
 
 // One connected device as the rest of the system sees it: identity,
@@ -52,6 +55,8 @@ public:
     short m_ReportMode = 0;
     _DEVICE_ATTRIBUTES m_DeviceAttributes;
     XMLHelp *m_XMLHelp = nullptr;
+    CAction *m_Action = nullptr;
+    TabletDataEX m_TabletData{};
     stTablet_XMLData *m_TabletXMLData = nullptr;
     QMutex m_ReplyMutex;
     QWaitCondition m_ReplyCondition;
@@ -66,6 +71,7 @@ public:
 
 signals:
     void SetAreaOk(short x, short y, short w, short h);
+    void SentMultiData(CTablet *tablet, MultiData data);
     void PostActionMsg(int tabletId, int msgId, int msgData);
     void PostActionMsg(int tabletId, int msgId, QString appPath);
     void SentTabletLightData(CTablet *tablet);

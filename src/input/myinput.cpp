@@ -326,6 +326,13 @@ int MyInput::OpenAbsEraserUinput()
     return openDevice(m_eraserFd, kEraserDevice, true, false);
 }
 
+void MyInput::AttachDevices(int absFd, int relFd, int eraserFd)
+{
+    m_absFd = absFd;
+    m_relFd = relFd;
+    m_eraserFd = eraserFd;
+}
+
 void MyInput::CloseUinput()
 {
     for (int *fd : {&m_absFd, &m_relFd, &m_eraserFd}) {

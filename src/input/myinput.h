@@ -34,6 +34,10 @@ public:
     void ActionLibrary(int id, bool pressed);
     void RingActionLibrary(int id, bool up);
 
+    // Writes to descriptors of the caller's (a pipe, /dev/null) instead of uinput nodes;
+    // for tools that replay or measure the report path.
+    void AttachDevices(int absFd, int relFd, int eraserFd);
+
     // Descriptors are 0 for a device that did not open.
     int absFd() const { return m_absFd; }
     int relFd() const { return m_relFd; }

@@ -26,6 +26,7 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     connectDesktopSignals();
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
+    qRegisterMetaType<MultiData>("MultiData");
     setWindowFlags(Qt::FramelessWindowHint | Qt::Window);
     setWindowTitle("Scribora");
     setWindowIcon(QIcon(":/image/Res/scribora.png"));
@@ -96,6 +97,7 @@ void MainWindow::InitLanguageUI()
 int MainWindow::Init()
 {
     EnmuTabeltDevice();
+    CGlobalData::MyInputDriver.Init();
     return 1;
 }
 
