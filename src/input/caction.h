@@ -22,6 +22,7 @@ public:
                                 QMap<QString, _stAppConfigNode *> &appConfigs);
     void FindForeAppConfig(stTablet_XMLData *settings,
                            QMap<QString, _stAppConfigNode *> &appConfigs);
+    // The pen functions act on the record that FindForeAppConfig chose.
     void ParsePenData(TabletDataEX &data, _DEVICE_ATTRIBUTES &attributes,
                       stTablet_XMLData *settings);
     void ParsePenDataLinuxV1(TabletDataEX &data, _DEVICE_ATTRIBUTES &attributes,
@@ -41,6 +42,14 @@ signals:
     void PostActionMsg(int tabletId, int msgId, QString appPath);
 
 private:
+    const stPenConfig &currentPen(const TabletDataEX &data) const;
+    // False for the first frame of a stroke, which only sets the starting point.
+    bool stepMouseMode(uint64_t x, uint64_t y, uint8_t status, const stPenConfig &pen);
+    // False when the screen slot of the settings is empty.
+    bool mapToScreen(uint64_t x, uint64_t y, uint64_t axisW, uint64_t axisH,
+                     const stTablet_XMLData &settings);
+    void writePen(const TabletDataEX &data);
+
     int m_deviceIndex = 0;
     QString m_labelErase;
     QString m_labelPen;

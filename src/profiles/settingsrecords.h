@@ -32,6 +32,15 @@ struct stPenConfig {
     stPenBtn PenBtn[kPenBtnCount];
 };
 
+// The pressure curve: a quadratic Bezier on the unit square from (P0, 0) over
+// (P1X, 1 - P1Y) to (P2, 1), the Y axis pointing down on screen.
+struct SPresslvPoints {
+    float P0;
+    float P1X;
+    float P1Y;
+    float P2;
+};
+
 struct stRingItem {
     char func[kFuncSize];
     int16_t id;
