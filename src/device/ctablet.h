@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cparsetabletdata.h"
 #include "deviceattributes.h"
 #include "multidata.h"
 #include "settingsrecords.h"
@@ -56,8 +57,9 @@ public:
     _DEVICE_ATTRIBUTES m_DeviceAttributes;
     XMLHelp *m_XMLHelp = nullptr;
     CAction *m_Action = nullptr;
-    TabletDataEX m_TabletData{};
     stTablet_XMLData *m_TabletXMLData = nullptr;
+    CParseTabletData m_Parser;
+    TabletDataEX m_TabletData{};
     QMutex m_ReplyMutex;
     QWaitCondition m_ReplyCondition;
     QWaitCondition m_StartCondition;
@@ -85,4 +87,27 @@ public slots:
 private:
     void refreshCachedMapping();
     void applyDefaultMapping();
+
+    // Replies take a frame of kReportBufferSize bytes; bytes past `length` read as 0.
+    bool takeReply(const quint8 *frame, int length);
+    void onLightReply(const quint8 *frame);
+    void onBattery(const quint8 *frame);
+    void onDeviceInformation(const quint8 *frame, int length);
+    void onRangeReply(const quint8 *frame, int length);
+    void onConnectionNotice(const quint8 *frame);
+    void onStartReply(const quint8 *frame);
+    void onDisplayReply(const quint8 *frame);
+
+    void onFileReply(const quint8 *frame, int length);
+    void onWriteAccepted(quint8 code);
+    void readFileHeader(const quint8 *frame);
+    void collectFileData(const quint8 *frame, int length);
+    void endFileTransfer(quint8 code);
+    bool failShortRead();
+    void finishFileRead();
+    bool storeIncomingFile();
+
+    void actOnInput(quint8 *frame, int length);
+    void announcePenChange();
+    void replayPenEntry();
 };

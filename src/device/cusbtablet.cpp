@@ -306,6 +306,14 @@ void CUSBTablet::SentReadFileCmd(int mode, int value)
     writeReport(frame, 10);
 }
 
+// The device answers with 02 B6 01 01, and the window then sends the image.
+void CUSBTablet::SaveConfigToDevice(QString name, _stAppConfigNode *node)
+{
+    if (m_XMLHelp)
+        m_OutgoingFile = m_XMLHelp->SaveConfigToDevice(name.toLatin1().constData(), node);
+    SentSaveFileCmd(1, nullptr, m_OutgoingFile.size());
+}
+
 void CUSBTablet::DelTablet()
 {
     if (m_DeviceThread) {

@@ -20,6 +20,7 @@ public:
     void SentCmd(int command, int p1, int p2) override;
     void SentSaveFileCmd(int mode, unsigned char *data, int length) override;
     void SentReadFileCmd(int mode, int value) override;
+    void SaveConfigToDevice(QString name, _stAppConfigNode *node) override;
     void DelTablet() override;
 
     // Despite its name it compares PID strings: the slot of the first equal one, or -1.

@@ -6,9 +6,113 @@
 #include <QDebug>
 #include <QDomDocument>
 #include <QFile>
+#include <cstring>
 
 namespace
 {
+
+// The device keeps eleven keys per group and the items of one wheel.
+constexpr int kDeviceFileKeys = 11;
+
+int16_t toI16(const QString &text)
+{
+    return text.toShort(nullptr, 10);
+}
+
+int16_t attrI16(const QDomElement &element, const char *name)
+{
+    return toI16(element.attribute(name));
+}
+
+QString fieldText(const char *field, size_t size)
+{
+    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
+}
+
+void appendText(QDomDocument &doc, QDomElement &element, const QString &text)
+{
+    if (!text.isEmpty())
+        element.appendChild(doc.createTextNode(text));
+}
+
+QDomElement textElement(QDomDocument &doc, const QString &tag, const QString &text)
+{
+    QDomElement element = doc.createElement(tag);
+    appendText(doc, element, text);
+    return element;
+}
+
+QDomElement deviceKeyGroup(QDomDocument &doc, const stKeyGroup &group, int index)
+{
+    QDomElement element = doc.createElement(index == 0 ? QString("K") : QString("K_%1").arg(index));
+    element.setAttribute("id", group.bEnable);
+    for (int k = 0; k < kDeviceFileKeys; ++k) {
+        const stKeyConfig &key = group.Key[k];
+        QDomElement child = doc.createElement(QString("K%1").arg(k + 1));
+        child.setAttribute("id", key.id);
+        child.setAttribute("Show", key.Show);
+        child.setAttribute("Actid", key.Actid);
+        child.setAttribute("Motid", key.Motid);
+        if (key.id != 0)
+            appendText(doc, child, fieldText(key.func, sizeof key.func));
+        element.appendChild(child);
+    }
+    return element;
+}
+
+QDomElement deviceRing(QDomDocument &doc, const stRingConfig &ring)
+{
+    QDomElement element = doc.createElement("R");
+    element.setAttribute("id", ring.id);
+    for (int i = 0; i < kRingItemCount; ++i) {
+        const stRingItem &item = ring.Item[i];
+        QDomElement child = doc.createElement(QString("W%1").arg(i + 1));
+        child.setAttribute("id", item.id);
+        if (item.id == 2)
+            appendText(doc, child, fieldText(item.func, sizeof item.func));
+        element.appendChild(child);
+    }
+    return element;
+}
+
+// "K_1" is group 1, "K" group 0; -1 for a group the record does not have.
+int deviceGroupFromTag(const QString &tag)
+{
+    const int group = tag.length() <= 2 ? 0 : toI16(tag.mid(2));
+    return group >= 0 && group < kKeyGroupCount ? group : -1;
+}
+
+void readDeviceKeyGroup(const QDomElement &element, _stAppConfigNode &node)
+{
+    const int group = deviceGroupFromTag(element.tagName());
+    if (group < 0)
+        return;
+    node.KeyGroup[group].bEnable = attrI16(element, "id") != 0;
+    int index = 0;
+    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kKeyCount;
+         child = child.nextSiblingElement(), ++index) {
+        stKeyConfig &key = node.KeyGroup[group].Key[index];
+        key.id = attrI16(child, "id");
+        key.Motid = attrI16(child, "Motid");
+        key.Actid = attrI16(child, "Actid");
+        key.Show = attrI16(child, "Show") != 0;
+        if (key.id > 0)
+            copyTextField(key.func, child.text().toUtf8().constData());
+    }
+}
+
+// The wheel's own "id" is not read: it stays 0.
+void readDeviceRing(const QDomElement &element, stRingConfig &ring)
+{
+    int index = 0;
+    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kRingItemCount;
+         child = child.nextSiblingElement(), ++index) {
+        stRingItem &item = ring.Item[index];
+        item.id = attrI16(child, "id");
+        if (item.id == 2)
+            copyTextField(item.func, child.text().toUtf8().constData());
+    }
+}
 
 // Applications of one section, linked in file order; a later record with
 // the same path replaces the earlier one in the map and in the chain.
@@ -155,4 +259,55 @@ int XMLHelp::LoadConfig(stTablet_XMLData *data, const char *pid,
     qDebug() << "find the xml Config:" << section.tagName();
     readSection(section, data, apps);
     return 1;
+}
+
+QByteArray XMLHelp::SaveConfigToDevice(const char *name, _stAppConfigNode *node) const
+{
+    if (!node)
+        return {};
+    QDomDocument doc;
+    doc.appendChild(doc.createProcessingInstruction("xml", "version=\"1.0\" encoding=\"UTF-8\""));
+    QDomElement root = doc.createElement("QRM07App");
+    doc.appendChild(root);
+    root.appendChild(textElement(doc, "path", QString::fromLatin1(name)));
+    CreateFileNotesNode(doc, root, node);
+    return doc.toByteArray(1);
+}
+
+void XMLHelp::CreateFileNotesNode(QDomDocument &doc, QDomElement &root,
+                                  _stAppConfigNode *node) const
+{
+    root.appendChild(textElement(doc, "SelectID", QString::number(node->SelectID)));
+    for (int group = 0; group < kKeyGroupCount; ++group)
+        root.appendChild(deviceKeyGroup(doc, node->KeyGroup[group], group));
+    root.appendChild(deviceRing(doc, node->Ring[0]));
+}
+
+// "path" is not read, so a record filled here has no path of its own.
+bool XMLHelp::ReadDeviceConfigFileToAppConfig(QByteArray data, _stAppConfigNode &node)
+{
+    memset(&node, 0, sizeof node);
+    QDomDocument document;
+    QString message;
+    int line = 0;
+    int column = 0;
+    if (!document.setContent(data, false, &message, &line, &column)) {
+        qDebug() << "parse file failed at line" << line << ",column" << column << "," << message;
+        return false;
+    }
+    if (document.isNull()) {
+        qDebug() << "document is null!";
+        return false;
+    }
+    for (QDomElement child = document.documentElement().firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        const QString tag = child.tagName();
+        if (tag.contains('K'))
+            readDeviceKeyGroup(child, node);
+        else if (tag == "SelectID")
+            node.SelectID = toI16(child.text());
+        else if (tag == "R")
+            readDeviceRing(child, node.Ring[0]);
+    }
+    return true;
 }

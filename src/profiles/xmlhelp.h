@@ -2,11 +2,14 @@
 
 #include "settingsrecords.h"
 
+#include <QByteArray>
+#include <QDomDocument>
 #include <QDomElement>
 #include <QMap>
 #include <QString>
 
-// Reads one device's section of the shared profile file into its records.
+// Reads one device's section of the shared profile file into its records,
+// and writes and reads the small profile file a device keeps in its memory.
 class XMLHelp
 {
 public:
@@ -16,6 +19,13 @@ public:
                    QMap<QString, _stAppConfigNode *> &apps);
 
     const QString &fileName() const { return m_fileName; }
+
+    // The device file: a "QRM07App" document of the key groups, the selected
+    // group and the first wheel. `name` fills its "path".
+    QByteArray SaveConfigToDevice(const char *name, _stAppConfigNode *node) const;
+    void CreateFileNotesNode(QDomDocument &doc, QDomElement &root, _stAppConfigNode *node) const;
+    // Static: the reader thread parses without the helper, which a closing device frees.
+    static bool ReadDeviceConfigFileToAppConfig(QByteArray data, _stAppConfigNode &node);
 
 private:
     QString m_fileName;
