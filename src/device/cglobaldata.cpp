@@ -4,6 +4,10 @@
 
 QMap<QString, CTablet *> CGlobalData::TabletMap;
 CTablet *CGlobalData::TabletArray[kTabletSlots] = {};
+QQueue<TabletDataEX> CGlobalData::QueueTabletData;
+QMutex CGlobalData::DataMutex;
+QMutex CGlobalData::WaitMutex;
+QWaitCondition CGlobalData::WaitCondition;
 QMutex CGlobalData::XMLMutex;
 QMutex CGlobalData::ConfigFileWaitMutex;
 QTime CGlobalData::LastTabletActionTime;

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "myinput.h"
+#include "tabletdata.h"
 
 #include <QMap>
 #include <QMutex>
+#include <QQueue>
 #include <QRect>
 #include <QString>
 #include <QTime>
+#include <QWaitCondition>
 
 class CTablet;
 class MyLrc;
@@ -23,6 +26,11 @@ public:
 
     static QMap<QString, CTablet *> TabletMap;
     static CTablet *TabletArray[kTabletSlots];
+    // Input of the queued worker; nothing feeds it while reports take the direct route.
+    static QQueue<TabletDataEX> QueueTabletData;
+    static QMutex DataMutex;
+    static QMutex WaitMutex;
+    static QWaitCondition WaitCondition;
     static QMutex XMLMutex;
     static QMutex ConfigFileWaitMutex;
     static QTime LastTabletActionTime;

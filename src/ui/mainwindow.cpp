@@ -17,6 +17,7 @@
 #include <hidapi.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
@@ -280,10 +281,56 @@ void MainWindow::OnQuiqDriver()
     QCoreApplication::quit();
 }
 
-void MainWindow::ReceivActionMsg(int tabletId, int, int)
+void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
 {
+    // An unplug may overtake a queued message: start from the slot, not a pointer.
     if (tabletId < 0 || tabletId >= kTabletSlots || !CGlobalData::TabletArray[tabletId])
         return;
+    CTablet *tablet = CGlobalData::TabletArray[tabletId];
+    switch (msgId) {
+    case 1:
+        OnShowDriver();
+        break;
+    case 88:
+        onBatteryMsg(tablet, msgData);
+        break;
+    case 100:
+        RestoreTouchStrip(tablet);
+        break;
+    default:
+        break;
+    }
+}
+
+// One tray warning per fall to 20 % or below; charging or a higher value re-arms it.
+void MainWindow::onBatteryMsg(CTablet *tablet, int chargeState)
+{
+    if (chargeState == 1) {
+        tablet->m_LowBatteryNoted = 0;
+        return;
+    }
+    qDebug() << "m_BatteryValue" << tablet->m_BatteryValue << tablet->m_LowBatteryNoted;
+    if (tablet->m_BatteryValue > 20) {
+        tablet->m_LowBatteryNoted = 0;
+        return;
+    }
+    if (tablet->m_LowBatteryNoted || !m_TrayIcon)
+        return;
+    tablet->m_LowBatteryNoted = 1;
+    const QString text = languageText("Common.battery", "Low Battery") + ":" +
+                         QString::number(tablet->m_BatteryValue) + "%";
+    m_TrayIcon->showMessage(QString(), text, QIcon(), 15000);
+}
+
+void MainWindow::RestoreTouchStrip(CTablet *tablet)
+{
+    const stTablet_XMLData *settings = tablet->m_TabletXMLData;
+    if (!settings || settings->CommonAPP.Ring[1].type != 1)
+        return;
+    if (settings->CommonAPP.Ring[1].mode == 0)
+        tablet->SentCmd(2, 3, 0);
+    else
+        tablet->SentCmd(2, 1, settings->Orientation);
 }
 
 void MainWindow::ReceivActionMsg(int tabletId, int, QString)
@@ -367,4 +414,20 @@ void MainWindow::GetScreenCalibrate(float fkx, float fky, float fxlc, float fylc
     data.fKY = fky;
     data.fXLC = fxlc;
     data.fYLC = fylc;
+}
+
+int MainWindow::DidPressurePointsConvertToIntValue(SPresslvPoints points)
+{
+    struct Threshold {
+        double above;
+        int level;
+    };
+    static constexpr Threshold kThresholds[] = {{10.28, -3}, {3.0, -2}, {1.39, -1},
+                                                {0.69, 0},   {0.33, 1}, {0.2, 2}};
+    const float steepness = (1 - points.P1Y) / std::fabs(points.P1X - points.P0);
+    for (const Threshold &threshold : kThresholds) {
+        if (steepness > threshold.above)
+            return threshold.level;
+    }
+    return 3;
 }

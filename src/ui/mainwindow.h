@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settingsrecords.h"
+
 #include <QString>
 #include <QSystemTrayIcon>
 #include <QWidget>
@@ -35,6 +37,8 @@ public:
     void EnumDisplay(bool screensChanged);
     static void EnumLogicDisplay();
     static void SortQRectRect(QRect *src, QRect *dst, int count, bool trackPrimary);
+    // The pressure slider's level for a curve: -3, the softest, to 3, the hardest.
+    static int DidPressurePointsConvertToIntValue(SPresslvPoints points);
 
     CTablet *currentTablet() const { return m_CurrentTablet; }
     bool startedMinimised() const { return m_StartedMinimised; }
@@ -55,6 +59,8 @@ private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
 private:
+    void onBatteryMsg(CTablet *tablet, int chargeState);
+    void RestoreTouchStrip(CTablet *tablet);
     void openConfiguration();
     void connectDesktopSignals();
     void registerTablet(CTablet *tablet);
