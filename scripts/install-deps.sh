@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
     build-essential cmake pkg-config
     qtbase5-dev qtbase5-dev-tools
-    libhidapi-dev libusb-1.0-0-dev
+    libhidapi-dev libusb-1.0-0-dev libevdev-dev
     libgtest-dev libbenchmark-dev
     xvfb x11-utils
 )
