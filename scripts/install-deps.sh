@@ -8,6 +8,7 @@ packages=(
     libhidapi-dev libusb-1.0-0-dev libevdev-dev
     libgtest-dev libbenchmark-dev
     xvfb x11-utils
+    libinput-tools  # the e2e pen test runs libinput debug-events in the guest
 )
 
 as_root=()

@@ -15,6 +15,7 @@ Checks (repeatable, run in the order given):
   --app-clean NAME           $E2E_OUT/NAME.log has no crash message, NAME.status shows
                              it ran until stopped and ended by SIGTERM or with 0,
                              and the guest kernel logged no fault of it
+  --stopped-within NAME SEC  NAME.status shows it ended within SEC seconds of the SIGTERM
 
 With --window, only the events between the two marks count (marks are logged
 through the control channel, e.g. by scribora_start/scribora_stop).
@@ -187,6 +188,17 @@ class Checker:
         self.result(bool(strings), "%s: string descriptors requested %s (%d requests)"
                     % (dev, self.window_text, len(strings)))
 
+    def read_status(self, name):
+        status = {}
+        try:
+            for line in open(os.path.join(self.run_dir, "out", name + ".status")):
+                k, _, v = line.strip().partition("=")
+                status[k] = v
+        except OSError as e:
+            self.fail("%s: no status file (%s)" % (name, e))
+            return None
+        return status
+
     def check_app_clean(self, name):
         out = os.path.join(self.run_dir, "out")
         log_path = os.path.join(out, name + ".log")
@@ -201,13 +213,8 @@ class Checker:
             self.result(not hits, "%s: no crash message in its output (%d lines)%s"
                         % (name, len(text.splitlines()),
                            "" if not hits else ": " + " | ".join(hits[:5])))
-        status = {}
-        try:
-            for line in open(os.path.join(out, name + ".status")):
-                k, _, v = line.strip().partition("=")
-                status[k] = v
-        except OSError as e:
-            self.fail("%s: no status file (%s)" % (name, e))
+        status = self.read_status(name)
+        if status is None:
             return
         self.result(status.get("alive_before_stop") == "1",
                     "%s: still running when it was stopped" % name)
@@ -225,6 +232,17 @@ class Checker:
         self.result(not faults, "%s: no fault in the guest kernel log%s"
                     % (name, "" if not faults else ": " + " | ".join(faults[:3])))
 
+    def check_stopped_within(self, name, seconds):
+        status = self.read_status(name)
+        if status is None:
+            return
+        took = status.get("stop_seconds")
+        try:
+            ok = float(took) <= float(seconds)
+        except (TypeError, ValueError):
+            ok = False
+        self.result(ok, "%s: ended %s s after SIGTERM (limit %s s)" % (name, took, seconds))
+
 
 class Ordered(argparse.Action):
     def __call__(self, parser, ns, values, option_string=None):
@@ -238,7 +256,7 @@ def main():
     p.set_defaults(checks=[])
     for opt, n in (("--string-read", 2), ("--no-string-read", 2), ("--out", 2),
                    ("--no-out", 2), ("--not-opened", 2), ("--enumerated", 1),
-                   ("--app-clean", 1)):
+                   ("--app-clean", 1), ("--stopped-within", 2)):
         p.add_argument(opt, nargs=n, action=Ordered, default=argparse.SUPPRESS)
     a = p.parse_args()
     if not a.checks:
@@ -246,7 +264,8 @@ def main():
     c = Checker(a.run_dir, a.window)
     run = {"string_read": c.check_string_read, "no_string_read": c.check_no_string_read,
            "out": c.check_out, "no_out": c.check_no_out, "not_opened": c.check_not_opened,
-           "enumerated": c.check_enumerated, "app_clean": c.check_app_clean}
+           "enumerated": c.check_enumerated, "app_clean": c.check_app_clean,
+           "stopped_within": c.check_stopped_within}
     if c.window_ok:
         for dest, values in a.checks:
             run[dest](*values)

@@ -47,13 +47,15 @@ scribora_start() {
     guest_log "scribora started (pid $SCRIBORA_PID)"
 }
 
-# scribora_stop : SIGTERM, then records whether it was still running and how it
-# ended in $E2E_OUT/scribora.status (read by the host-side crash check).
+# scribora_stop : SIGTERM, then records whether it was still running, how it
+# ended and how long that took in $E2E_OUT/scribora.status (read by the
+# host-side crash check); the time is also left in SCRIBORA_STOP_SECONDS.
 scribora_stop() {
-    local alive=0 rc
+    local alive=0 rc t0 t1
     [ -n "$SCRIBORA_PID" ] || return 1
     kill -0 "$SCRIBORA_PID" 2>/dev/null && alive=1
     emuctl mark scribora-stop >/dev/null
+    t0=$(date +%s.%N)
     if [ "$alive" = 1 ]; then
         kill -TERM "$SCRIBORA_PID"
         for _ in $(seq 100); do
@@ -67,8 +69,30 @@ scribora_stop() {
     fi
     wait "$SCRIBORA_PID"
     rc=$?
-    printf 'alive_before_stop=%s\nexit_status=%s\n' "$alive" "$rc" > "$E2E_OUT/scribora.status"
-    guest_log "scribora stopped: alive before stop $alive, exit status $rc"
+    t1=$(date +%s.%N)
+    SCRIBORA_STOP_SECONDS=$(awk "BEGIN{printf \"%.2f\", $t1 - $t0}")
+    printf 'alive_before_stop=%s\nexit_status=%s\nstop_seconds=%s\n' "$alive" "$rc" \
+        "$SCRIBORA_STOP_SECONDS" > "$E2E_OUT/scribora.status"
+    guest_log "scribora stopped: alive before stop $alive, exit status $rc," \
+        "after ${SCRIBORA_STOP_SECONDS}s"
     SCRIBORA_PID=""
     [ "$alive" = 1 ]
+}
+
+# pen_probe ARGS... : the evdev and control-channel probe of the pen tests.
+pen_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/pen_probe.py" "$@"; }
+
+# pen_wait_ready TIMEOUT : waits until the driver has started tab1's session
+# (its start packet) and created the virtual pen; sets PEN_NODE.
+pen_wait_ready() {
+    local wait_s="$1" reply
+    reply="$(emuctl wait-out tab1 "$wait_s" 02b0)" || {
+        guest_log "no start packet on tab1: ${reply:-no reply}"
+        return 1
+    }
+    PEN_NODE="$(pen_probe node "NORVA Pen" "$wait_s")" || {
+        guest_log "no \"NORVA Pen\" input device"
+        return 1
+    }
+    guest_log "tab1 session started; NORVA Pen is $PEN_NODE"
 }

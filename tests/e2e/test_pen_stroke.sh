@@ -1,0 +1,36 @@
+#!/bin/bash
+# e2e_pen_stroke: one boot with the catalogued 0x0B40 tablet. A stroke (hover,
+# tilt, tip down with rising pressure, a pen button press and release, tip up,
+# leave) played on the tablet must reach the virtual "NORVA Pen" evdev node in
+# order with the values the default mapping gives (guest/pen_probe.py), and
+# libinput must see a tablet tool draw it.
+#   test_pen_stroke.sh SCRIBORA_BINARY BUILD_DIR
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+[ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
+e2e_init "$1" "$2"
+
+e2e_run pen-stroke \
+    --device "$E2E_HARNESS/devices/tablet-0b40.json" \
+    -- bash "$E2E_GUEST/pen-stroke.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
+
+e2e_show_app_log
+failed=0
+if [ "$E2E_RC" = 0 ]; then
+    echo "PASS: guest scenario (stroke frames, libinput tablet tool, driver stopped)"
+else
+    echo "FAIL: guest scenario exit status $E2E_RC"
+    failed=1
+fi
+if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
+    e2e_check --window scribora-start scribora-stop --app-clean scribora || failed=1
+else
+    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
+    failed=1
+fi
+if [ "$failed" = 0 ]; then
+    echo "e2e_pen_stroke: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
+else
+    echo "e2e_pen_stroke: FAIL (logs in $E2E_RUN_DIR)"
+fi
+exit "$failed"

@@ -1,0 +1,37 @@
+#!/bin/bash
+# e2e_pen_unplug: one boot with the catalogued 0x0B40 tablet. While the pen
+# moves, the tablet is unplugged: no event may follow on "NORVA Pen" once the
+# reports already in the guest are through, and the driver must keep running,
+# answer on its event loop and end within a few seconds of SIGTERM.
+#   test_pen_unplug.sh SCRIBORA_BINARY BUILD_DIR
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+[ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
+e2e_init "$1" "$2"
+
+e2e_run pen-unplug \
+    --device "$E2E_HARNESS/devices/tablet-0b40.json" \
+    -- bash "$E2E_GUEST/pen-unplug.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
+
+e2e_show_app_log
+failed=0
+if [ "$E2E_RC" = 0 ]; then
+    echo "PASS: guest scenario (unplug mid-stream, driver alive and answering, stopped)"
+else
+    echo "FAIL: guest scenario exit status $E2E_RC"
+    failed=1
+fi
+if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
+    e2e_check --window scribora-start scribora-stop \
+        --app-clean scribora \
+        --stopped-within scribora 5 || failed=1
+else
+    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
+    failed=1
+fi
+if [ "$failed" = 0 ]; then
+    echo "e2e_pen_unplug: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
+else
+    echo "e2e_pen_unplug: FAIL (logs in $E2E_RUN_DIR)"
+fi
+exit "$failed"
