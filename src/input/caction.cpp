@@ -328,7 +328,8 @@ bool CAction::stepMouseMode(uint64_t x, uint64_t y, uint8_t status, const stPenC
         qDebug() << "penStatus == 0)  第一次进入";
         return false;
     }
-    const int divisor = (10 - pen.Speed) * 7;
+    // A profile may hold any speed; outside 1 to 9 the divisor would reach 0 or turn negative.
+    const int divisor = (10 - std::clamp<int>(pen.Speed, 1, 9)) * 7;
     m_data.relX = relativeStep(x, xOldPt, ModeX, divisor);
     m_data.relY = relativeStep(y, yOldPt, ModeY, divisor);
     return true;

@@ -258,6 +258,9 @@ TEST_F(PenMapping, MouseModeStepsCarryRemainders)
         {1, {{1100, 1000, 1, 0}, {1126, 1000, 1, 0}, {1126, 1062, 0, 0}}},
         // divisor 7: 20 is 2 remainder 6; 1 + 6 is one more step
         {9, {{1000, 1020, 0, 2}, {1000, 1021, 0, 1}, {1006, 1021, 0, 0}}},
+        // a profile's speed outside 1 to 9 counts as the nearest end, never as a divisor of 0
+        {10, {{1000, 1020, 0, 2}}},
+        {-3, {{1100, 1000, 1, 0}}},
     };
     pen().bRelativeCoords = 1;
     for (const Case &c : cases) {
