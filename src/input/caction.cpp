@@ -264,6 +264,9 @@ void CAction::ParsePenDataLinux(TabletDataEX &data, _DEVICE_ATTRIBUTES &attribut
     }
     copyTilt(m_data, data, *settings);
     holdInsideWorkArea(data, x, y, area);
+    // An empty work area holds no point, so the frame is already dropped; do not divide by it.
+    if (area.width == 0 || area.height == 0)
+        return;
     const uint64_t normalX = normalised(x, area.left, area.width, axes.axisW);
     const uint64_t normalY = normalised(y, area.top, area.height, axes.axisH);
     const stPenConfig &pen = currentPen(data);

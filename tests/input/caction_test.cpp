@@ -202,6 +202,13 @@ TEST_F(PenMapping, LeavingTheWorkAreaFreezesAndWritesNothing)
     // Back at (3000, 2000) -> (4000, 2000): fx 1400, digitX 36626.8; fy 200
     feed(kHover, 3000, 2000);
     EXPECT_EQ(lastEvents(kPenNode, 8), penFrame(BTN_TOOL_PEN, true, 36626, 7400, 0, 0, 0));
+
+    // A profile with no width of work area maps nothing at all.
+    const std::vector<Ev> before = events(kPenNode);
+    m_settings->TW = 0;
+    out = feed(kHover, 3000, 2000);
+    EXPECT_EQ(out.digitX, 0);
+    EXPECT_EQ(events(kPenNode), before);
 }
 
 TEST_F(PenMapping, CalibrationOnPenDisplays)
