@@ -78,6 +78,26 @@ check "capture: nothing else on stderr" "$(wc -l <"$work/err")" 2
 "$replay" "${tablet[@]}" <"$work/capture.txt" >"$work/stdin-out" 2>/dev/null
 check "capture from standard input" "$(cat "$work/stdin-out")" "$expected"
 
+# Product 0x07C9 delivers its first report after the pen came back twice.
+cat >"$work/reentry.txt" <<CAPTURE
+02 A0 74 45 9C 31 00 00 00 00
+02 C0 74 45 9C 31 00 00 00 00
+02 A0 74 45 9C 31 00 00 00 00
+02 A0 74 45 9C 31 00 00 00 00
+CAPTURE
+hover_p1() { frame pen BTN_TOOL_PEN 1 41859 14032 0 0 0 0; }
+"$replay" "${tablet[@]}" --pid 07C9 "$work/reentry.txt" >"$work/out" 2>/dev/null
+check "0x07C9: the return of the pen is written twice" "$(cat "$work/out")" "$(
+    echo "msg 0 89 0"
+    hover_p1
+    frame pen BTN_TOOL_PEN 0 41859 14032 0 0 0 0
+    hover_p1
+    hover_p1
+    hover_p1
+)"
+"$replay" "${tablet[@]}" "$work/reentry.txt" >"$work/out" 2>/dev/null
+check "0x0B40: the return of the pen is written once" "$(grep -c "BTN_TOOL_PEN 1" "$work/out")" 3
+
 without() { # the tablet options with one option and its value left out
     local skip=$1 i
     for ((i = 0; i < ${#tablet[@]}; i += 2)); do
