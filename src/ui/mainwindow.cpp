@@ -4,6 +4,7 @@
 #include "cscreeninfos.h"
 #include "ctablet.h"
 #include "cusbtablet.h"
+#include "cvtkeycode.h"
 #include "mylinux.h"
 #include "ui_mainwindow.h"
 #include "zelkdevice.h"
@@ -50,6 +51,7 @@ void MainWindow::openConfiguration()
         new QSettings(CGlobalData::configFile("/language.ini"), QSettings::IniFormat);
     CGlobalData::Language_Config->setIniCodec("UTF-8");
     m_Language = mylinux::get_user_language_setting();
+    cvtKeyCode::init();
     CGlobalData::Language_Config->beginGroup(m_Language);
 }
 
@@ -71,6 +73,7 @@ MainWindow::~MainWindow()
 {
     CloseDevice();
     qInfo() << "ScriboraV3 Closed.";
+    cvtKeyCode::release();
     if (CGlobalData::Language_Config)
         CGlobalData::Language_Config->endGroup();
     delete CGlobalData::Language_Config;
