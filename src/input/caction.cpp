@@ -4,13 +4,20 @@
 #include "deviceattributes.h"
 #include "localclock.h"
 #include "myinput.h"
+#include "mylrc.h"
 #include "tabletdata.h"
 
 #include <QDebug>
+#include <QProcess>
 #include <QRect>
+#include <QThread>
 #include <QTime>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <iterator>
+#include <linux/input-event-codes.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -191,6 +198,196 @@ uint16_t curvePressure(int pressure, const stPenConfig &pen, int maxPressure, bo
     return static_cast<uint16_t>(static_cast<int>(out * scale));
 }
 
+// Library ids 1 to 26: keys pressed in this order and released in the same order.
+struct ShortcutKeys {
+    uint16_t keys[3];
+};
+
+constexpr ShortcutKeys kShortcutKeys[] = {
+    {{KEY_B}},
+    {{KEY_E}},
+    {{KEY_LEFTALT}},
+    {{KEY_SPACE}},
+    {{KEY_LEFTCTRL, KEY_S}},
+    {{KEY_LEFTCTRL, KEY_Z}},
+    {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_Z}},
+    {{KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_Z}},
+    {{KEY_V}},
+    {{KEY_L}},
+    {{KEY_LEFTCTRL, KEY_O}},
+    {{KEY_LEFTCTRL, KEY_N}},
+    {{KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_N}},
+    {{KEY_LEFTCTRL, KEY_E}},
+    {{KEY_F}},
+    {{KEY_D}},
+    {{KEY_X}},
+    {{KEY_LEFTCTRL, KEY_DELETE}},
+    {{KEY_LEFTCTRL, KEY_C}},
+    {{KEY_LEFTCTRL, KEY_V}},
+    {{KEY_LEFTCTRL, KEY_EQUAL}},
+    {{KEY_LEFTCTRL, KEY_MINUS}},
+    {{KEY_TAB}},
+    {{KEY_F5}},
+    {{KEY_LEFTBRACE}},
+    {{KEY_RIGHTBRACE}},
+};
+constexpr int kShortcutCount = static_cast<int>(std::size(kShortcutKeys));
+
+// Library ids 201 to 205.
+constexpr uint16_t kModifierKeys[] = {KEY_LEFTSHIFT, KEY_LEFTALT, KEY_RIGHTALT, KEY_LEFTCTRL,
+                                      KEY_SPACE};
+constexpr int kFirstModifier = 201;
+constexpr int kFirstMouseAction = 206;
+constexpr int kLastMouseAction = 211;
+constexpr int kMouseActionBase = 205;
+// Custom forms 0 and 3 name library ids by their offset.
+constexpr int kModifierBase = 200;
+constexpr int kSystemBase = 100;
+
+constexpr int kZoomIn = 21;
+constexpr int kZoomOut = 22;
+constexpr int kBrushSmaller = 25;
+constexpr int kBrushBigger = 26;
+constexpr int kWheelUp = 210;
+constexpr int kWheelDown = 211;
+constexpr int kMouseWheelUp = 5;
+constexpr int kMouseWheelDown = 6;
+constexpr short kCorrectorWheelUp = 10;
+constexpr short kCorrectorWheelDown = 11;
+
+constexpr int kActionPenEraser = 103;
+constexpr int kActionRing1 = 105;
+constexpr int kActionRing2 = 106;
+constexpr int kActionKeyGroup = 110;
+constexpr int kActionKeyPreview = 111;
+constexpr short kSystemKeyGroup = 10;
+
+// Wheel directions as the report's 16 bits carry them.
+constexpr uint16_t kDirectionUp = 1;
+constexpr uint16_t kDirectionDown = 0xFFFF;
+constexpr int kRingCustom = 2;
+constexpr int kRingDefault = 0;
+constexpr int kRingSlow = 1;
+
+constexpr int kCorrectorSleepMs = 10;
+constexpr int kRingTapSleepMs = 5;
+// An event code has 16 bits; a larger number would wrap onto another key.
+constexpr unsigned long kMaxKeyCode = 0xFFFF;
+// The X11 keycode of right Alt, which the second release of the canvas rotation carries.
+constexpr unsigned kRightAltScan = 100;
+
+constexpr int kUsageMsg = 99;
+constexpr int kMsgShowDriver = 1;
+constexpr int kMsgScreenMapping = 2;
+constexpr int kMsgPenEraser = 3;
+constexpr int kMsgFineMode = 4;
+constexpr int kMsgRingFunctions = 5;
+constexpr int kMsgTrackPad = 7;
+constexpr int kMsgKeyGroup = 10;
+constexpr int kMsgKeyPreview = 11;
+
+// A record field may lack its NUL; nothing past the field is read.
+QString fieldText(const char *field)
+{
+    return QString::fromUtf8(field, static_cast<int>(strnlen(field, kFuncSize)));
+}
+
+// Tokens "L:S" joined by "+"; a token without exactly one colon is skipped.
+QVector<_KeyCode> combinationKeys(const QString &combination)
+{
+    QVector<_KeyCode> keys;
+    for (const QString &token : combination.split(QLatin1Char('+'))) {
+        const QStringList parts = token.split(QLatin1Char(':'));
+        if (parts.size() == 2)
+            keys.append({parts[0].toUInt(), parts[1].toUShort()});
+    }
+    return keys;
+}
+
+QString groupSuffix(int group)
+{
+    return QStringLiteral("-I,-II,-III,-IV").split(QLatin1Char(',')).value(group);
+}
+
+QString actionTipKey(int id)
+{
+    return QStringLiteral("Actions.%1").arg(id);
+}
+
+// System functions whose operation shows a tip of its own, or none.
+bool systemFunctionWithoutTip(int function)
+{
+    switch (function) {
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 8:
+    case 9:
+    case 12:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool keyActionWithoutTip(int id)
+{
+    return id == kActionPenEraser || id == kActionRing1 || id == kActionRing2;
+}
+
+// A program is run itself; anything else goes to the desktop's opener.
+bool isProgram(const QString &command)
+{
+    struct stat info {
+    };
+    const QByteArray path = command.toLocal8Bit();
+    if (stat(path.constData(), &info) == 0 && (info.st_mode & S_IXGRP))
+        return true;
+    return command.indexOf(QLatin1String(".appimage"), 1) > 0 ||
+           command.indexOf(QLatin1String(".sh"), 1) > 0;
+}
+
+// A key strip is mirrored as the tablet turns.
+bool keysMirrored(const stTablet_XMLData &settings)
+{
+    const int orientation = settings.Orientation;
+    if (settings.DeviceKeyDirection == 1)
+        return orientation == 2 || orientation == 3;
+    return orientation == 1 || orientation == 2;
+}
+
+// The wheels count their functions backwards, the pen roller ring starts after zoom.
+long long ringKind(int ringType, int func)
+{
+    const long long function = func;
+    switch (ringType) {
+    case 1:
+    case 2:
+        return 3 - function;
+    case 3:
+        return function == 3 ? 0 : function + 1;
+    default:
+        return function;
+    }
+}
+
+// The number of the tip text "TR.Item.%1", or 0 for no tip.
+int ringTipNumber(int ringType, int func)
+{
+    switch (ringType) {
+    case 0:
+        return func + 1;
+    case 1:
+    case 2:
+        return 4 - func;
+    case 3:
+        return func == 3 ? 1 : func + 2;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
 CAction::CAction(QObject *parent) : QObject(parent)
@@ -218,6 +415,8 @@ _MultiData CAction::ActionTabletData(TabletDataEX &data, _DEVICE_ATTRIBUTES &att
             m_data.penBtn2 = data.penButtonState;
         }
     }
+    if (data.eventFlags & kEventKeys)
+        ParseKeyData(data, settings);
     if (data.eventFlags & kEventWheel)
         ParseRingData(data, settings);
     CGlobalData::LastTabletActionTime = LocalClock::currentTime();
@@ -286,6 +485,21 @@ void CAction::DoAction(TabletDataEX &data, stTablet_XMLData *settings)
         return;
     if (data.eventFlags & kEventPen)
         writePen(data);
+    if (data.eventFlags & kEventPenButtons) {
+        m_firstStroke = true;
+        DoPenBtnAction(data.penId);
+    }
+    // Keys and wheels can be switched off; pen buttons cannot.
+    if (settings->DisableQuickKey)
+        return;
+    if (data.eventFlags & kEventKeys) {
+        m_firstStroke = true;
+        DoKeyAction(data.penId, settings->SupportGroupKeys != 0);
+    }
+    if (data.eventFlags & kEventWheel) {
+        m_firstStroke = true;
+        DoRingAction();
+    }
 }
 
 void CAction::ParseRingData(TabletDataEX &data, stTablet_XMLData *)
@@ -384,4 +598,551 @@ void CAction::writePen(const TabletDataEX &data)
     input.UpdateDigit(data.penStatus, static_cast<uint16_t>(m_data.digitX),
                       static_cast<uint16_t>(m_data.digitY), m_data.pressure, m_data.tiltX,
                       m_data.tiltY, eraser);
+}
+
+void CAction::ParseKeyData(TabletDataEX &data, stTablet_XMLData *settings)
+{
+    m_keysDown.clear();
+    m_keysUp.clear();
+    if (!settings)
+        return;
+    for (short key = 1; key <= kTabletKeyCount; ++key) {
+        const uint8_t current = data.keys.current[key - 1];
+        if (current == data.keys.previous[key - 1])
+            continue;
+        const bool down = current != 0;
+        qDebug() << (down ? "KeyDown:" : "KeyUp:") << key;
+        short index = GetKeyIndex(settings, key);
+        // Also a key without record is turned; it then names DeviceKeyNum.
+        if (settings->SupportGroupKeys == 0 && keysMirrored(*settings))
+            index = static_cast<short>(settings->DeviceKeyNum - 1 - index);
+        qDebug() << (down ? "id down:" : "id Up:") << index;
+        (down ? m_keysDown : m_keysUp).append(index);
+        if (index >= 0) {
+            m_data.keyIndex = index;
+            m_data.keyState = down ? 1 : 0;
+        }
+    }
+}
+
+short CAction::GetKeyIndex(stTablet_XMLData *settings, short motid)
+{
+    if (!settings)
+        return -1;
+    _stAppConfigNode &common = settings->CommonAPP;
+    const stKeyConfig *keys = common.Key;
+    if (settings->SupportGroupKeys) {
+        const int group = common.SelectID;
+        if (group < 0 || group >= kKeyGroupCount)
+            return -1;
+        keys = common.KeyGroup[group].Key;
+    }
+    for (short index = 0; index < kKeyCount; ++index) {
+        if (keys[index].Motid == motid)
+            return index;
+    }
+    return -1;
+}
+
+void CAction::DoKeyAction(short pen, bool groupKeys)
+{
+    const bool pressed = m_data.keyState == 1;
+    if (pressed)
+        m_pLatchedConfig = m_pCurAppConfig;
+    if (!m_pLatchedConfig)
+        return;
+    _stAppConfigNode &config = *m_pLatchedConfig;
+    const short index = m_data.keyIndex;
+    // A mirrored index of a device that claims more keys than records lands outside.
+    if (index < 0 || index >= kKeyCount)
+        return;
+    const int group = config.SelectID;
+    if (groupKeys && (group < 0 || group >= kKeyGroupCount || !config.KeyGroup[group].bEnable))
+        return;
+    stKeyConfig &key = groupKeys ? config.KeyGroup[group].Key[index] : config.Key[index];
+    if (key.id != 0) {
+        qDebug() << "DoKeyAction CustomFun";
+        ParseCustomFunction(key.func, pressed, pen);
+    } else {
+        qDebug() << "KeyID:" << index << "DefAction:" << key.Actid
+                 << "KeyState:" << m_data.keyState;
+        ActionLibrary(key.Actid, pressed, pen);
+        if (pressed && !m_disableTip) {
+            if (key.Actid == kActionKeyPreview)
+                return;
+            if (!keyActionWithoutTip(key.Actid))
+                showActionTip(key.Actid, key.Actid == kActionKeyGroup ? groupSuffix(config.SelectID)
+                                                                      : QString());
+        }
+    }
+    postUsage(QStringLiteral("DoKeyAction"),
+              {GetJsonData(QStringLiteral("custom"), fieldText(key.func)),
+               GetJsonData(QStringLiteral("id"), QString::number(key.id)),
+               GetJsonData(QStringLiteral("curapp"), fieldText(config.path)),
+               GetJsonData(QStringLiteral("KeyID"), QString::number(index)),
+               GetJsonData(QStringLiteral("TabletKeyState"), QString::number(m_data.keyState))});
+}
+
+void CAction::DoPenBtnAction(short pen)
+{
+    for (int index = 0; index < kPenBtnCount; ++index) {
+        if (!(m_data.penBtn1 & (1 << index)))
+            continue;
+        // Button 0 is the touch of the tip; it counts only while the eraser end is in use.
+        if (index == 0 && !m_eraserEnd)
+            continue;
+        qDebug() << "PenBtnID:" << index << m_eraserEnd;
+        const bool pressed = m_data.penBtn2 != 0;
+        if (pressed)
+            m_pLatchedConfig = m_pCurAppConfig;
+        if (!m_pLatchedConfig)
+            return;
+        stPenBtn &button = m_pLatchedConfig->Pen[pen & (kPenCount - 1)].PenBtn[index];
+        runPenButton(button, pressed, pen);
+    }
+}
+
+void CAction::runPenButton(stPenBtn &button, bool pressed, short pen)
+{
+    if (button.id != 0) {
+        qDebug() << "DoPenBtnAction CustomFun";
+        ParseCustomFunction(button.func, pressed, pen);
+    } else {
+        ActionLibrary(button.Actid, pressed, pen);
+        // Any id with "27" in it, the eraser's own among them, shows nothing.
+        if (pressed && !m_disableTip && button.Actid != kActionPenEraser &&
+            !actionTipKey(button.Actid).contains(QLatin1String("27"), Qt::CaseInsensitive))
+            showActionTip(button.Actid);
+    }
+    postUsage(QStringLiteral("DoPenBtnAction"),
+              {GetJsonData(QStringLiteral("custom"), fieldText(button.func)),
+               GetJsonData(QStringLiteral("id"), QString::number(button.id)),
+               GetJsonData(QStringLiteral("curapp"), fieldText(m_pLatchedConfig->path)),
+               GetJsonData(QStringLiteral("PenID"), QString::number(pen)),
+               GetJsonData(QStringLiteral("PenKeyState"), QString::number(m_data.penBtn2))});
+}
+
+void CAction::DoRingAction()
+{
+    // Shared by both wheels and by all devices: the slow setting halves the rate of all.
+    static bool bRingAction = false;
+    m_pLatchedConfig = m_pCurAppConfig;
+    if (!m_pLatchedConfig)
+        return;
+    const short wheel = m_data.ringRel1;
+    if (wheel < 0 || wheel >= kRingCount)
+        return;
+    stRingConfig &ring = m_pLatchedConfig->Ring[wheel];
+    const int function = ring.id;
+    if (function < 0 || function >= kRingItemCount)
+        return;
+    stRingItem &item = ring.Item[function];
+    if (ring.Speed == kRingSlow) {
+        bRingAction = !bRingAction;
+        if (!bRingAction)
+            return;
+    } else {
+        bRingAction = true;
+    }
+    if (item.id == kRingCustom) {
+        qDebug() << "DoRingAction CustomFun";
+        ParseRingCustomFunction(item.func, m_data.ringRel2, true);
+        ParseRingCustomFunction(item.func, m_data.ringRel2, false);
+    } else if (item.id == kRingDefault) {
+        const int ringType = wheel + ring.type;
+        RingActionLibrary(ringType, function, m_data.ringRel2);
+        const int tip = ringTipNumber(ringType, function);
+        if (!m_disableTip && ring.mode == 0 && tip != 0)
+            showTip(languageText(QStringLiteral("TR.Item.%1").arg(tip).toLatin1().constData()));
+    }
+    postUsage(QStringLiteral("DoRingAction"),
+              {GetJsonData(QStringLiteral("custom"), fieldText(item.func)),
+               GetJsonData(QStringLiteral("id"), QString::number(item.id)),
+               GetJsonData(QStringLiteral("curapp"), fieldText(m_pLatchedConfig->path)),
+               GetJsonData(QStringLiteral("RingID"), QString::number(m_data.ringRel1)),
+               GetJsonData(QStringLiteral("RingDirection"), QString::number(m_data.ringRel2))});
+}
+
+void CAction::ParseCustomFunction(char *str, bool pressed, short pen)
+{
+    if (!str)
+        return;
+    const QStringList fields = fieldText(str).split(QLatin1Char('|'));
+    const int nfId = fields.first().toInt();
+    const QString name = fields.value(1);
+    const QString data = fields.last();
+    qDebug() << "ParseCustomFunction nfId " << nfId << "sFName" << name << "sFData" << data
+             << pressed;
+    if (fields.size() != 3 && fields.size() != 4)
+        return;
+    if (data.isEmpty())
+        return;
+    const bool threeFields = fields.size() == 3;
+    if (threeFields && nfId == 3) {
+        runSystemFunction(name, data.toShort(), pressed);
+        return;
+    }
+    if (threeFields && nfId == 0) {
+        QVector<short> ids;
+        for (const QString &id : data.split(QLatin1Char('+')))
+            ids.append(id.toShort());
+        qDebug() << "QVector" << ids;
+        ActionCorrectorData(ids, pressed, pen);
+    } else if (threeFields && nfId == 2) {
+        if (pressed)
+            startProgram(data);
+    } else if (!threeFields && nfId == 1) {
+        playKeySequence(data, pressed);
+    }
+    if (pressed && !m_disableTip)
+        showTip(name);
+}
+
+void CAction::runSystemFunction(const QString &name, short function, bool pressed)
+{
+    ActionLibrary(function + kSystemBase, pressed, 0);
+    // The key group shows where it went, also on release and with tips off.
+    if (function == kSystemKeyGroup) {
+        showTip(name + groupSuffix(m_pCurAppConfig ? m_pCurAppConfig->SelectID : -1));
+        return;
+    }
+    if (pressed && !m_disableTip && !systemFunctionWithoutTip(function))
+        showTip(name);
+}
+
+void CAction::ParseRingCustomFunction(char *str, short direction, bool pressed)
+{
+    if (!str)
+        return;
+    const QStringList fields = fieldText(str).split(QLatin1Char('|'));
+    if (fields.size() != 6 || fields.first().toInt() != 4)
+        return;
+    const uint16_t way = static_cast<uint16_t>(direction);
+    if (way != kDirectionUp && way != kDirectionDown)
+        return;
+    const QString &tokens = way == kDirectionUp ? fields[5] : fields[4];
+    if (tokens.isEmpty())
+        return;
+    playKeySequence(tokens, pressed);
+    if (pressed && !m_disableTip)
+        showTip(fields[1]);
+}
+
+void CAction::playKeySequence(const QString &tokens, bool pressed)
+{
+    const QStringList combinations = tokens.split(QLatin1Char(','));
+    if (combinations.size() == 1) {
+        for (const _KeyCode &key : combinationKeys(combinations.first()))
+            KeyEvent(key.code, key.scan, pressed);
+        return;
+    }
+    if (!pressed)
+        return;
+    for (const QString &combination : combinations) {
+        const QVector<_KeyCode> keys = combinationKeys(combination);
+        KeyEvents(keys, true);
+        KeyEvents(keys, false);
+    }
+}
+
+// The process is left to run on its own; it has no parent and is never deleted.
+void CAction::startProgram(const QString &command)
+{
+    qDebug() << "run app" << command;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("LD_LIBRARY_PATH"));
+    auto *process = new QProcess;
+    process->setProcessEnvironment(environment);
+    if (!isProgram(command)) {
+        process->start(QStringLiteral("xdg-open"), {command}, QIODevice::ReadWrite);
+        return;
+    }
+    const QStringList words = QProcess::splitCommand(command);
+    process->start(words.value(0), words.mid(1), QIODevice::ReadWrite);
+}
+
+void CAction::ActionLibrary(int id, bool pressed, short pen)
+{
+    Q_UNUSED(pen)
+    if (id >= 1 && id <= kShortcutCount) {
+        for (uint16_t key : kShortcutKeys[id - 1].keys) {
+            if (key != 0)
+                KeyEvent(key, key, pressed);
+        }
+        return;
+    }
+    if (id >= kFirstModifier && id < kFirstMouseAction) {
+        const uint16_t key = kModifierKeys[id - kFirstModifier];
+        KeyEvent(key, key, pressed);
+        return;
+    }
+    if (id >= kFirstMouseAction && id <= kLastMouseAction) {
+        MouserActionLibrary(id - kMouseActionBase, pressed, 0);
+        return;
+    }
+    switch (id) {
+    case 101:
+        ShowDriver(pressed, true);
+        break;
+    case 102:
+        ChangeScreenMapping(pressed);
+        break;
+    case 103:
+        ChangeBEKey(pressed, false);
+        break;
+    case 104:
+        OpenFineMode(pressed, 0);
+        break;
+    case 105:
+        ChangeKLRFunctions(pressed, 0);
+        break;
+    case 106:
+        ChangeKLRFunctions(pressed, 1);
+        break;
+    case 107:
+        ChangeTrackPadMode(pressed);
+        break;
+    case 109:
+        PressBEKey(pressed);
+        break;
+    case 110:
+        ChangeKeyFunctions(pressed);
+        break;
+    case 111:
+        KeypadPreviewMode(pressed);
+        break;
+    default:
+        break;
+    }
+}
+
+void CAction::RingActionLibrary(int ringType, int func, short direction)
+{
+    const uint16_t way = static_cast<uint16_t>(direction);
+    if (way != kDirectionUp && way != kDirectionDown)
+        return;
+    const bool up = way == kDirectionUp;
+    switch (ringKind(ringType, func)) {
+    case 0:
+        tapLibrary(up ? kZoomIn : kZoomOut);
+        break;
+    case 1:
+        tapLibrary(up ? kWheelUp : kWheelDown);
+        break;
+    case 2:
+        tapLibrary(up ? kBrushSmaller : kBrushBigger);
+        break;
+    case 3:
+        rotateCanvas(up);
+        break;
+    default:
+        break;
+    }
+}
+
+void CAction::tapLibrary(int id)
+{
+    ActionLibrary(id, true, 0);
+    SleepFuctions(kRingTapSleepMs);
+    ActionLibrary(id, false, 0);
+}
+
+// Up never releases F13 and releases Alt twice instead: fixed behaviour, kept on purpose.
+void CAction::rotateCanvas(bool up)
+{
+    KeyEvent(KEY_LEFTALT, KEY_LEFTALT, true);
+    if (up) {
+        KeyEvent(KEY_F13, KEY_F13, true);
+        KeyEvent(KEY_LEFTALT, KEY_LEFTALT, false);
+        KeyEvent(KEY_LEFTALT, kRightAltScan, false);
+        return;
+    }
+    KeyEvent(KEY_F14, KEY_F14, true);
+    KeyEvent(KEY_LEFTALT, KEY_LEFTALT, false);
+    KeyEvent(KEY_F14, KEY_F14, false);
+}
+
+void CAction::MouserActionLibrary(int id, bool pressed, short pen)
+{
+    Q_UNUSED(pen)
+    CGlobalData::MyInputDriver.DoMouseFunc(id, pressed, false);
+}
+
+void CAction::PenBtnActionLibrary(int id, bool pressed)
+{
+    Q_UNUSED(id)
+    Q_UNUSED(pressed)
+}
+
+void CAction::ActionCorrectorData(QVector<short> &ids, bool pressed, short pen)
+{
+    if (!pressed) {
+        for (auto id = ids.crbegin(); id != ids.crend(); ++id) {
+            ActionLibrary(*id + kModifierBase, false, pen);
+            SleepFuctions(kCorrectorSleepMs);
+        }
+        return;
+    }
+    for (short id : ids) {
+        ActionLibrary(id + kModifierBase, true, pen);
+        SleepFuctions(kCorrectorSleepMs);
+        // The first id of a dispatch turns a wheel twice.
+        if (!m_firstStroke)
+            continue;
+        if (id == kCorrectorWheelUp)
+            CGlobalData::MyInputDriver.DoMouseFunc(kMouseWheelUp, true, false);
+        else if (id == kCorrectorWheelDown)
+            CGlobalData::MyInputDriver.DoMouseFunc(kMouseWheelDown, true, false);
+        m_firstStroke = false;
+    }
+}
+
+void CAction::KeyEvent(unsigned code, unsigned scan, bool pressed)
+{
+    Q_UNUSED(scan)
+    sendKey(code, pressed);
+}
+
+void CAction::KeyEvents(QVector<_KeyCode> keys, bool pressed)
+{
+    for (const _KeyCode &key : keys)
+        sendKey(key.code, pressed);
+}
+
+void CAction::sendKey(unsigned long code, bool pressed)
+{
+    if (code > kMaxKeyCode)
+        return;
+    CGlobalData::MyInputDriver.KeyEvent(static_cast<int>(code), pressed);
+}
+
+void CAction::tapKey(unsigned code)
+{
+    KeyEvent(code, code, true);
+    KeyEvent(code, code, false);
+}
+
+void CAction::ShowDriver(bool pressed, bool flag)
+{
+    qDebug() << "ShowDriver No Implement" << flag;
+    if (pressed)
+        emit PostActionMsg(m_deviceIndex, kMsgShowDriver, 1);
+}
+
+void CAction::ChangeScreenMapping(bool pressed)
+{
+    if (pressed)
+        emit PostActionMsg(m_deviceIndex, kMsgScreenMapping, 0);
+}
+
+void CAction::ChangeBEKey(bool value, bool forced)
+{
+    if (forced) {
+        m_penAsEraser = value;
+        m_beChanged = true;
+    } else {
+        if (!value)
+            return;
+        m_penAsEraser = !m_penAsEraser;
+        m_beChanged = true;
+        emit PostActionMsg(m_deviceIndex, kMsgPenEraser, m_penAsEraser ? 1 : 0);
+        if (!m_disableTip)
+            showTip(m_penAsEraser ? m_labelErase : m_labelPen);
+    }
+    if (m_beNotify != 1)
+        return;
+    tapKey(m_penAsEraser ? KEY_E : KEY_B);
+}
+
+// The letter tapped is the one of the state before a press, so a release repeats the next one.
+void CAction::PressBEKey(bool pressed)
+{
+    const bool eraser = m_penTipActive != 0;
+    tapKey(eraser ? KEY_E : KEY_B);
+    if (pressed)
+        m_penTipActive = !m_penTipActive;
+    showTip(eraser ? QStringLiteral("[E]") : QStringLiteral("[B]"));
+}
+
+void CAction::OpenFineMode(bool pressed, short pen)
+{
+    Q_UNUSED(pen)
+    if (!pressed)
+        return;
+    qDebug() << "Fine Mode";
+    emit PostActionMsg(m_deviceIndex, kMsgFineMode, 0);
+}
+
+void CAction::ChangeKLRFunctions(bool pressed, int ring)
+{
+    qDebug() << "ChangeKLRFunctions No Implement";
+    if (pressed)
+        emit PostActionMsg(m_deviceIndex, kMsgRingFunctions + ring, currentAppName());
+}
+
+void CAction::ChangeTrackPadMode(bool pressed)
+{
+    if (pressed)
+        emit PostActionMsg(m_deviceIndex, kMsgTrackPad, 0);
+}
+
+// Moves to the next enabled group, wrapping; with none enabled the group stays.
+void CAction::ChangeKeyFunctions(bool pressed)
+{
+    if (!pressed)
+        return;
+    if (m_pCurAppConfig) {
+        int group = m_pCurAppConfig->SelectID;
+        for (int tries = 0; tries < kKeyGroupCount; ++tries) {
+            group = group < 0 || group + 1 >= kKeyGroupCount ? 0 : group + 1;
+            if (m_pCurAppConfig->KeyGroup[group].bEnable) {
+                m_pCurAppConfig->SelectID = static_cast<int16_t>(group);
+                break;
+            }
+        }
+    }
+    emit PostActionMsg(m_deviceIndex, kMsgKeyGroup, currentAppName());
+}
+
+void CAction::KeypadPreviewMode(bool pressed)
+{
+    if (pressed)
+        emit PostActionMsg(m_deviceIndex, kMsgKeyPreview, currentAppName());
+}
+
+void CAction::showTip(const QString &text)
+{
+    if (CGlobalData::Show_Info)
+        CGlobalData::Show_Info->EmitInfo(text);
+}
+
+void CAction::showActionTip(int id, const QString &suffix)
+{
+    showTip(languageText(actionTipKey(id).toLatin1().constData()) + suffix);
+}
+
+QString CAction::currentAppName() const
+{
+    return m_pCurAppConfig ? fieldText(m_pCurAppConfig->path) : QString();
+}
+
+void CAction::postUsage(const QString &event, const QStringList &fields)
+{
+    emit PostActionMsg(m_deviceIndex, kUsageMsg,
+                       GetJsonDataSon(event, fields.join(QLatin1Char(','))));
+}
+
+void CAction::SleepFuctions(int ms)
+{
+    QThread::msleep(static_cast<unsigned long>(ms));
+}
+
+QString CAction::GetJsonData(QString key, QString value)
+{
+    return QStringLiteral("\"%1\":\"%2\"").arg(key, value);
+}
+
+QString CAction::GetJsonDataSon(QString key, QString value)
+{
+    return QStringLiteral("\"%1\":{%2}").arg(key, value);
 }

@@ -6,8 +6,16 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <QVector>
 
 struct TabletDataEX;
+
+// A key token in memory: the Linux key code, then the X11 keycode.
+struct _KeyCode {
+    unsigned long code;
+    uint16_t scan;
+};
 struct _DEVICE_ATTRIBUTES;
 
 // Turns one decoded report into virtual input, on the reader thread of its device.
@@ -32,6 +40,34 @@ public:
     void DoAction(TabletDataEX &data, stTablet_XMLData *settings);
     void ParseRingData(TabletDataEX &data, stTablet_XMLData *settings);
 
+    // Functions of keys, pen buttons and wheels. A function string is read up to its first NUL
+    // and never beyond kFuncSize bytes, so any record field is safe to pass.
+    void ParseKeyData(TabletDataEX &data, stTablet_XMLData *settings);
+    short GetKeyIndex(stTablet_XMLData *settings, short motid);
+    void DoKeyAction(short pen, bool groupKeys);
+    void DoPenBtnAction(short pen);
+    void DoRingAction();
+    void ParseCustomFunction(char *str, bool pressed, short pen);
+    void ParseRingCustomFunction(char *str, short direction, bool pressed);
+    void ActionLibrary(int id, bool pressed, short pen);
+    void RingActionLibrary(int ringType, int func, short direction);
+    void MouserActionLibrary(int id, bool pressed, short pen);
+    void PenBtnActionLibrary(int id, bool pressed);
+    void ActionCorrectorData(QVector<short> &ids, bool pressed, short pen);
+    void KeyEvent(unsigned code, unsigned scan, bool pressed);
+    void KeyEvents(QVector<_KeyCode> keys, bool pressed);
+
+    // Commands of the action library; each posts its message to the window.
+    void ShowDriver(bool pressed, bool flag);
+    void ChangeScreenMapping(bool pressed);
+    void ChangeBEKey(bool value, bool forced);
+    void PressBEKey(bool pressed);
+    void OpenFineMode(bool pressed, short pen);
+    void ChangeKLRFunctions(bool pressed, int ring);
+    void ChangeTrackPadMode(bool pressed);
+    void ChangeKeyFunctions(bool pressed);
+    void KeypadPreviewMode(bool pressed);
+
     // Opens the virtual devices when nothing else has; true when they are usable.
     bool InitInput();
     void setDeviceIndex(int index) { m_deviceIndex = index; }
@@ -42,6 +78,24 @@ signals:
     void PostActionMsg(int tabletId, int msgId, QString appPath);
 
 private:
+    // The tokens field of a keyboard function: one combination follows the key, several are
+    // tapped in turn on the press.
+    void playKeySequence(const QString &tokens, bool pressed);
+    void startProgram(const QString &command);
+    void runSystemFunction(const QString &name, short function, bool pressed);
+    void runPenButton(stPenBtn &button, bool pressed, short pen);
+    void tapLibrary(int id);
+    void rotateCanvas(bool up);
+    void tapKey(unsigned code);
+    void sendKey(unsigned long code, bool pressed);
+    void showTip(const QString &text);
+    void showActionTip(int id, const QString &suffix = QString());
+    QString currentAppName() const;
+    void postUsage(const QString &event, const QStringList &fields);
+    void SleepFuctions(int ms);
+    QString GetJsonData(QString key, QString value);
+    QString GetJsonDataSon(QString key, QString value);
+
     const stPenConfig &currentPen(const TabletDataEX &data) const;
     // False for the first frame of a stroke, which only sets the starting point.
     bool stepMouseMode(uint64_t x, uint64_t y, uint8_t status, const stPenConfig &pen);
@@ -67,4 +121,9 @@ private:
     int m_screenY = 0;
     bool m_inRange = false;
     bool m_firstStroke = false;
+    // Every key that changed in the last report; only the last one is dispatched.
+    QVector<short> m_keysDown;
+    QVector<short> m_keysUp;
+    // The config of the last press: its release acts on the same records.
+    _stAppConfigNode *m_pLatchedConfig = nullptr;
 };
