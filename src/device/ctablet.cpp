@@ -2,6 +2,7 @@
 
 #include "caction.h"
 #include "cglobaldata.h"
+#include "mylrc.h"
 #include "textfield.h"
 #include "xmlhelp.h"
 
@@ -66,6 +67,30 @@ constexpr int kPenMaskBits = 16;
 static_assert(kInfoPayload + kTabletTypeSize <= kReportBufferSize &&
                   kInfoPayload + kIdentitySize <= kReportBufferSize,
               "reply fields fit in a report frame");
+
+// Hundredths of an inch of the device's own orientation, from a rectangle in the
+// orientation in force; the table of the rotations undone.
+stOrientArea undoOrientation(int orientation, int x, int y, int w, int h, int width, int height)
+{
+    switch (orientation) {
+    case 0:
+        return {int16_t(x), int16_t(y), int16_t(w), int16_t(h)};
+    case 1:
+        return {int16_t(height - h - y), int16_t(x), int16_t(h), int16_t(w)};
+    case 2:
+        return {int16_t(width - x - w), int16_t(height - y - h), int16_t(w), int16_t(h)};
+    case 3:
+        return {int16_t(y), int16_t(width - x - w), int16_t(h), int16_t(w)};
+    default:
+        return {0, 0, 0, 0};
+    }
+}
+
+void showAreaTip(const char *key)
+{
+    if (CGlobalData::Show_Info)
+        CGlobalData::Show_Info->EmitInfo(languageText(key));
+}
 
 // Text of a reply, cut to what the report carried and to the field.
 template <size_t N> void copyReplyText(char (&field)[N], const quint8 *payload, int available)
@@ -430,8 +455,10 @@ void CTablet::actOnInput(quint8 *frame, int length)
     if (!m_Parser.ParseData(frame, length, &m_TabletData))
         return;
     // While an area is being selected on the tablet, no report reaches the engine.
-    if (m_AreaSelecting)
+    if (m_AreaSelecting) {
+        SetAreaAction();
         return;
+    }
     announcePenChange();
     m_Action->setDeviceIndex(m_Index);
     const _MultiData result =
@@ -477,6 +504,44 @@ void CTablet::replayPenEntry()
         m_Action->ActionTabletData(m_TabletData, m_DeviceAttributes, m_TabletXMLData, m_AppConfigs);
     }
     oldPenState = status;
+}
+
+// Only the moment the tip touches down counts. bSecond is shared by all tablets.
+void CTablet::SetAreaAction()
+{
+    static bool bSecond = false;
+    static QRect AreaRect;
+    const TabletDataEX &data = m_TabletData;
+    if (!(data.eventFlags & kEventPen) || !(data.penButtonMask & 1) || data.penButtonState != 1)
+        return;
+    m_AreaCorners[2] = static_cast<int>(data.x);
+    m_AreaCorners[3] = static_cast<int>(data.y);
+    if (!bSecond) {
+        m_AreaCorners[0] = m_AreaCorners[2];
+        m_AreaCorners[1] = m_AreaCorners[3];
+        bSecond = true;
+        showAreaTip("Device.TabeltHelpInfo2");
+        return;
+    }
+    showAreaTip("Device.TabeltHelpInfo3");
+    AreaRect.setCoords(
+        std::min(m_AreaCorners[0], m_AreaCorners[2]), std::min(m_AreaCorners[1], m_AreaCorners[3]),
+        std::max(m_AreaCorners[0], m_AreaCorners[2]), std::max(m_AreaCorners[1], m_AreaCorners[3]));
+    const qint64 lpi = m_DeviceAttributes.LPI > 0 ? m_DeviceAttributes.LPI : kDefaultLpi;
+    const auto inch = [lpi](qint64 value) { return static_cast<int>(value * 100 / lpi); };
+    const int w = std::max(inch(qint64(AreaRect.right()) - AreaRect.left() + 1), 1);
+    const int h = inch(qint64(AreaRect.bottom()) - AreaRect.top() + 1);
+    const stOrientArea area =
+        undoOrientation(m_TabletXMLData->Orientation, inch(AreaRect.left()), inch(AreaRect.top()),
+                        w, h, m_DeviceAttributes.Width, m_DeviceAttributes.Height);
+    emit SetAreaOk(area.X, area.Y, area.W, area.H);
+    bSecond = false;
+    m_AreaSelecting = false;
+}
+
+void CTablet::ChangeTabletPenOrErase(bool value)
+{
+    m_Action->ChangeBEKey(value, true);
 }
 
 void CTablet::ReceivActionMsg(int tabletId, int msgId, int msgData)

@@ -38,6 +38,10 @@ public:
     // Takes over the settings of an active tablet of the same product, sharing nothing.
     void CopySettingsFrom(const CTablet &other);
     void ClearAppConfigs();
+    // Sets the pen of this tablet to eraser or back, as another tablet's switch asks.
+    void ChangeTabletPenOrErase(bool value);
+    // Takes the two pen-down points of an area selection, one per call.
+    void SetAreaAction();
 
     QMap<QString, _stAppConfigNode *> m_AppConfigs;
     int m_BatteryValue = -1;
@@ -65,6 +69,7 @@ public:
     QWaitCondition m_StartCondition;
     int m_ProductId = 0;
     int m_Index = -1;
+    // The first corner, then the current pen point, of an area selection.
     int m_AreaCorners[4] = {};
     bool m_SendMultiData = false;
     bool m_AreaSelecting = false;

@@ -5,11 +5,14 @@
 #include "ctablet.h"
 #include "cusbtablet.h"
 #include "cvtkeycode.h"
+#include "jingximode.h"
 #include "mylinux.h"
+#include "mylrc.h"
 #include "ui_mainwindow.h"
 #include "zelkdevice.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDebug>
 #include <QDesktopWidget>
 #include <QMenu>
@@ -23,6 +26,7 @@
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
 {
+    CGlobalData::Show_Info = new MyLrc(this);
     openConfiguration();
     ui->setupUi(this);
     connectDesktopSignals();
@@ -34,6 +38,8 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     setWindowIcon(QIcon(":/image/Res/scribora.png"));
     // The screens are known before any device is opened.
     EnumDisplay(false);
+    connect(CGlobalData::Show_Info, &MyLrc::EmitAction, this, &MainWindow::OnShowLabel);
+    connect(CGlobalData::Show_Info, &MyLrc::EmitRingLrc, this, &MainWindow::OnShowRinglrc);
     connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
             &MainWindow::onSelectTabletDevice);
     ui->pushButton_cancel->hide();
@@ -78,6 +84,8 @@ MainWindow::~MainWindow()
         CGlobalData::Language_Config->endGroup();
     delete CGlobalData::Language_Config;
     CGlobalData::Language_Config = nullptr;
+    delete CGlobalData::Show_Info;
+    CGlobalData::Show_Info = nullptr;
     delete ui;
 }
 
@@ -294,6 +302,13 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
     case 1:
         OnShowDriver();
         break;
+    case 3:
+        if (tablet->m_DeviceAttributes.DeviceType == DeviceTypeRemote)
+            SwitchOtherTablets(tabletId, msgData != 0);
+        break;
+    case 4:
+        ToggleFineMode(tabletId);
+        break;
     case 88:
         onBatteryMsg(tablet, msgData);
         break;
@@ -334,6 +349,93 @@ void MainWindow::RestoreTouchStrip(CTablet *tablet)
         tablet->SentCmd(2, 3, 0);
     else
         tablet->SentCmd(2, 1, settings->Orientation);
+}
+
+// A remote's Pen/Eraser switch acts on the pens of the other tablets.
+void MainWindow::SwitchOtherTablets(int tabletId, bool eraser)
+{
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        CTablet *other = CGlobalData::TabletArray[slot];
+        if (other && slot != tabletId)
+            other->ChangeTabletPenOrErase(eraser);
+    }
+}
+
+void MainWindow::ToggleFineMode(int tabletId)
+{
+    if (m_JingXiMode) {
+        emit m_JingXiMode->CloseJingxiMode();
+        return;
+    }
+    OpenFineMode(tabletId);
+}
+
+// The overlay opens on the screen of the current mapping.
+void MainWindow::OpenFineMode(int tabletId)
+{
+    const int screenId =
+        m_CurrentTablet
+            ? std::clamp<int>(m_CurrentTablet->m_TabletXMLData->ScreenId, 0, kScreenSlots - 1)
+            : 0;
+    m_JingXiMode = new JingXiMode(CGlobalData::ScreenArray[screenId], QCursor::pos(), this);
+    connect(m_JingXiMode, &JingXiMode::GetModeRect, this, &MainWindow::GetBERect);
+    connect(m_JingXiMode, &JingXiMode::CloseJingxiMode, this, &MainWindow::CloseJingxiMode);
+    m_JingXiMode->show();
+    CTablet *target = FineModeTarget(tabletId);
+    if (target)
+        target->m_TabletXMLData->bBERectOn = 1;
+}
+
+// A remote has no pen: the fine area goes to the first other tablet.
+CTablet *MainWindow::FineModeTarget(int tabletId) const
+{
+    CTablet *sender = CGlobalData::TabletArray[tabletId];
+    if (sender->m_DeviceAttributes.DeviceType != DeviceTypeRemote)
+        return sender;
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        if (slot != tabletId && CGlobalData::TabletArray[slot])
+            return CGlobalData::TabletArray[slot];
+    }
+    return nullptr;
+}
+
+void MainWindow::GetBERect(QRect rect)
+{
+    const stBERect area = {static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
+                           static_cast<int16_t>(rect.width()), static_cast<int16_t>(rect.height())};
+    if (m_CurrentTablet && m_CurrentTablet->m_TabletXMLData->bBERectOn) {
+        m_CurrentTablet->m_TabletXMLData->BERect = area;
+        return;
+    }
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet && tablet->m_TabletXMLData->bBERectOn)
+            tablet->m_TabletXMLData->BERect = area;
+    }
+}
+
+// Reached from the overlay's own key handler, so it is deleted later.
+void MainWindow::CloseJingxiMode()
+{
+    if (!m_JingXiMode)
+        return;
+    m_JingXiMode->close();
+    m_JingXiMode->deleteLater();
+    m_JingXiMode = nullptr;
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->m_TabletXMLData->bBERectOn = 0;
+    }
+}
+
+void MainWindow::OnShowLabel(QString text)
+{
+    CGlobalData::Show_Info->ShowInfoText(text, true);
+}
+
+void MainWindow::OnShowRinglrc(QStringList *names, int selected)
+{
+    CGlobalData::Show_Info->DrawTips(names, selected);
+    delete names;
 }
 
 void MainWindow::ReceivActionMsg(int tabletId, int, QString)

@@ -11,6 +11,7 @@ namespace Ui
 class MainWindow;
 }
 class CTablet;
+class JingXiMode;
 class QMenu;
 class QRect;
 
@@ -44,6 +45,7 @@ public:
     bool startedMinimised() const { return m_StartedMinimised; }
     void setStartedMinimised(bool minimised) { m_StartedMinimised = minimised; }
     Ui::MainWindow *form() const { return ui; }
+    JingXiMode *fineMode() const { return m_JingXiMode; }
 
 public slots:
     void OnShowDriver();
@@ -54,6 +56,10 @@ public slots:
     void onSelectTabletDevice(QString deviceName, int index);
     void GetScreenCalibrate(float fkx, float fky, float fxlc, float fylc);
     void onDeskScreenChanged(int);
+    void GetBERect(QRect rect);
+    void CloseJingxiMode();
+    void OnShowLabel(QString text);
+    void OnShowRinglrc(QStringList *names, int selected);
 
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
@@ -61,6 +67,10 @@ private slots:
 private:
     void onBatteryMsg(CTablet *tablet, int chargeState);
     void RestoreTouchStrip(CTablet *tablet);
+    void SwitchOtherTablets(int tabletId, bool eraser);
+    void ToggleFineMode(int tabletId);
+    void OpenFineMode(int tabletId);
+    CTablet *FineModeTarget(int tabletId) const;
     void openConfiguration();
     void connectDesktopSignals();
     void registerTablet(CTablet *tablet);
@@ -71,6 +81,7 @@ private:
     QString m_Language = QStringLiteral("English");
     QSystemTrayIcon *m_TrayIcon = nullptr;
     QMenu *m_TrayMenu = nullptr;
+    JingXiMode *m_JingXiMode = nullptr;
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
 };
