@@ -7,6 +7,7 @@ packages=(
     qtbase5-dev qtbase5-dev-tools
     libhidapi-dev libusb-1.0-0-dev libevdev-dev
     libgtest-dev libbenchmark-dev
+    clang libclang-rt-14-dev  # libFuzzer
     xvfb x11-utils
     libinput-tools  # the e2e pen test runs libinput debug-events in the guest
 )
