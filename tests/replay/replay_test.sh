@@ -98,6 +98,26 @@ check "0x07C9: the return of the pen is written twice" "$(cat "$work/out")" "$(
 "$replay" "${tablet[@]}" "$work/reentry.txt" >"$work/out" 2>/dev/null
 check "0x0B40: the return of the pen is written once" "$(grep -c "BTN_TOOL_PEN 1" "$work/out")" 3
 
+# Keys go through the same virtual devices: key 1 holds Ctrl+C while it is down,
+# key 2 is Space. Each dispatch posts its usage record (99) after its keys.
+printf '02 F0 01 00 00 00 00 00\n02 F0 00 00 00 00 00 00\n02 F0 02 00 00 00 00 00\n' \
+    >"$work/keys.txt"
+key() { printf 'mouse EV_KEY %s %s\nmouse EV_SYN SYN_REPORT 0\n' "$1" "$2"; }
+usage() {
+    printf 'msg 0 99 "DoKeyAction":{"custom":"%s","id":"%s","curapp":"","KeyID":"%s","TabletKeyState":"%s"}\n' "$@"
+}
+"$replay" "${tablet[@]}" "$work/keys.txt" >"$work/out" 2>/dev/null
+check "keys: events and usage records in order" "$(cat "$work/out")" "$(
+    key KEY_LEFTCTRL 1
+    key KEY_C 1
+    usage "1|copy|Ctrl+C|29:37+46:54" 1 0 1
+    key KEY_LEFTCTRL 0
+    key KEY_C 0
+    usage "1|copy|Ctrl+C|29:37+46:54" 1 0 0
+    key KEY_SPACE 1
+    usage "" 0 1 1
+)"
+
 without() { # the tablet options with one option and its value left out
     local skip=$1 i
     for ((i = 0; i < ${#tablet[@]}; i += 2)); do

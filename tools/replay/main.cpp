@@ -36,18 +36,6 @@ bool openInput(QFile &input, const QString &path)
     return input.open(QIODevice::ReadOnly);
 }
 
-void printMessages(CTablet &tablet, EventPrinter &printer)
-{
-    QObject::connect(&tablet, qOverload<int, int, int>(&CTablet::PostActionMsg),
-                     [&printer](int tabletId, int msgId, int value) {
-                         printer.printMessage(tabletId, msgId, QString::number(value));
-                     });
-    QObject::connect(&tablet, qOverload<int, int, QString>(&CTablet::PostActionMsg),
-                     [&printer](int tabletId, int msgId, const QString &value) {
-                         printer.printMessage(tabletId, msgId, value);
-                     });
-}
-
 void printEvents(const EventPipes &pipes, EventPrinter &printer)
 {
     input_event events[64];
@@ -59,6 +47,21 @@ void printEvents(const EventPipes &pipes, EventPrinter &printer)
     }
 }
 
+// Events written before a message are printed before it.
+void printMessages(CTablet &tablet, const EventPipes &pipes, EventPrinter &printer)
+{
+    QObject::connect(&tablet, qOverload<int, int, int>(&CTablet::PostActionMsg),
+                     [&pipes, &printer](int tabletId, int msgId, int value) {
+                         printEvents(pipes, printer);
+                         printer.printMessage(tabletId, msgId, QString::number(value));
+                     });
+    QObject::connect(&tablet, qOverload<int, int, QString>(&CTablet::PostActionMsg),
+                     [&pipes, &printer](int tabletId, int msgId, const QString &value) {
+                         printEvents(pipes, printer);
+                         printer.printMessage(tabletId, msgId, value);
+                     });
+}
+
 int replay(ReportLineReader &reader, ReplayTablet &tablet, const EventPipes &pipes,
            EventPrinter &printer)
 {
@@ -66,7 +69,7 @@ int replay(ReportLineReader &reader, ReplayTablet &tablet, const EventPipes &pip
         switch (reader.next()) {
         case ReportLineReader::Status::Report:
             tablet.feed(reader.report(), reader.length());
-            // Messages posted rather than sent arrive before the report's events.
+            // Messages the engine posted arrive here, after the events written before them.
             QCoreApplication::processEvents();
             printEvents(pipes, printer);
             printer.flush();
@@ -107,7 +110,7 @@ int main(int argc, char **argv)
     if (!pipes.attach(CGlobalData::MyInputDriver))
         return fail("cannot create the event pipes");
     EventPrinter printer(stdout);
-    printMessages(tablet.tablet(), printer);
+    printMessages(tablet.tablet(), pipes, printer);
     ReportLineReader reader(input);
     return replay(reader, tablet, pipes, printer);
 }
