@@ -589,6 +589,16 @@ int CTablet::LoadXML(const char *name)
     return 1;
 }
 
+// No lock: saves run on the GUI thread, the only writer of the mapping, and a
+// load on another thread sees either the old file or the new one, never half.
+void CTablet::SaveXML()
+{
+    if (!m_XMLHelp || !m_TabletXMLData)
+        return;
+    m_XMLHelp->SaveConfig(m_TabletXMLData, m_AppConfigs);
+    refreshCachedMapping();
+}
+
 void CTablet::applyDefaultMapping()
 {
     stTablet_XMLData &data = *m_TabletXMLData;

@@ -35,6 +35,7 @@ public:
     virtual void SendCMDToGetTabletInfo();
 
     int LoadXML(const char *name);
+    void SaveXML();
     // Takes over the settings of an active tablet of the same product, sharing nothing.
     void CopySettingsFrom(const CTablet &other);
     void ClearAppConfigs();

@@ -1,11 +1,14 @@
 #include "xmlhelp.h"
 
 #include "profilesectionreader.h"
+#include "profilesectionwriter.h"
 #include "textfield.h"
 
 #include <QDebug>
 #include <QDomDocument>
 #include <QFile>
+#include <QSaveFile>
+#include <QTextStream>
 #include <cstring>
 
 namespace
@@ -165,9 +168,8 @@ private:
     _stAppConfigNode *m_first = nullptr;
 };
 
-QDomElement findSection(const QDomElement &root, const char *pid)
+QDomElement findSection(const QDomElement &root, const QString &wanted)
 {
-    const QString wanted = QString::fromUtf8(pid);
     for (QDomElement section = root.firstChildElement(); !section.isNull();
          section = section.nextSiblingElement()) {
         if (section.tagName() == wanted)
@@ -205,6 +207,58 @@ void readSection(const QDomElement &section, stTablet_XMLData *data,
     reader.readCommon(common);
     reader.readCommonApp(commonApp);
     readApps(appList, data, apps);
+}
+
+bool parseForSave(QFile &file, QDomDocument &document)
+{
+    QString message;
+    int line = 0;
+    int column = 0;
+    if (!document.setContent(&file, false, &message, &line, &column)) {
+        qDebug() << "parse file failed at line" << line << ",column" << column << "," << message;
+        return false;
+    }
+    if (document.isNull()) {
+        qDebug() << "document is null!";
+        return false;
+    }
+    return true;
+}
+
+void writeSection(QDomDocument &document, QDomElement section, const stTablet_XMLData *data,
+                  const QMap<QString, _stAppConfigNode *> &apps)
+{
+    ProfileSectionWriter writer(document, data);
+    const QDomElement deviceInfo = section.firstChildElement();
+    const QDomElement common = deviceInfo.nextSiblingElement();
+    const QDomElement commonApp = common.nextSiblingElement();
+    const QDomElement appList = commonApp.nextSiblingElement();
+    writer.writeDeviceInfo(deviceInfo);
+    writer.writeCommon(common);
+    writer.writeCommonApp(commonApp);
+    if (!appList.isNull())
+        writer.writeApps(appList, apps);
+}
+
+// The new content goes to a temporary file beside the old one, which it
+// replaces only once complete: a failed write or a crash never leaves a
+// cut-off profile behind.
+void replaceFile(const QString &fileName, const QDomDocument &document)
+{
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return;
+    QTextStream stream(&file);
+    // The format is UTF-8, whatever the locale the process was started in.
+    stream.setCodec("UTF-8");
+    document.save(stream, 2, QDomNode::EncodingFromTextStream);
+    stream.flush();
+    // A failed flush is not always remembered by commit(), which would then
+    // put a cut-off file in place: cancel explicitly.
+    if (stream.status() != QTextStream::Ok || !file.flush())
+        file.cancelWriting();
+    if (!file.commit())
+        qDebug() << "write file" << fileName << "failed, error:" << file.errorString();
 }
 
 } // namespace
@@ -250,7 +304,7 @@ int XMLHelp::LoadConfig(stTablet_XMLData *data, const char *pid,
         qDebug() << "Function  LoadConfig Error:pidElement.firstChildElement is Null.";
         return 0;
     }
-    const QDomElement section = findSection(root, pid);
+    const QDomElement section = findSection(root, QString::fromUtf8(pid));
     if (section.isNull()) {
         qDebug() << "can not find the pid xml.";
         return 0;
@@ -259,6 +313,47 @@ int XMLHelp::LoadConfig(stTablet_XMLData *data, const char *pid,
     qDebug() << "find the xml Config:" << section.tagName();
     readSection(section, data, apps);
     return 1;
+}
+
+void XMLHelp::SaveConfig(stTablet_XMLData *data, QMap<QString, _stAppConfigNode *> &apps)
+{
+    if (!data)
+        return;
+    qDebug() << "open file" << m_fileName;
+    QFile file(m_fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        qDebug() << "open file" << m_fileName << "failed, error:" << file.errorString();
+        return;
+    }
+    QDomDocument document;
+    if (!parseForSave(file, document))
+        return;
+    file.close();
+    const QDomElement section =
+        findSection(document.documentElement(), fieldText(data->szPidName, sizeof data->szPidName));
+    if (section.isNull()) {
+        qDebug() << "can not find the pid xml.";
+        return;
+    }
+    qDebug() << "find the xml Config:" << section.tagName();
+    writeSection(document, section, data, apps);
+    replaceFile(m_fileName, document);
+}
+
+void XMLHelp::SetTextValue(QDomDocument doc, QDomNode node, QVariant value)
+{
+    const QString text = value.toString();
+    QDomNode first = node.firstChild();
+    if (text.isEmpty()) {
+        if (!first.isNull())
+            node.removeChild(first);
+        return;
+    }
+    if (first.isNull()) {
+        node.appendChild(doc.createTextNode(text));
+        return;
+    }
+    first.setNodeValue(text);
 }
 
 QByteArray XMLHelp::SaveConfigToDevice(const char *name, _stAppConfigNode *node) const

@@ -7,9 +7,10 @@
 #include <QDomElement>
 #include <QMap>
 #include <QString>
+#include <QVariant>
 
-// Reads one device's section of the shared profile file into its records,
-// and writes and reads the small profile file a device keeps in its memory.
+// Reads and saves one device's section of the shared profile file, and
+// writes and reads the small profile file a device keeps in its memory.
 class XMLHelp
 {
 public:
@@ -17,6 +18,11 @@ public:
 
     int LoadConfig(stTablet_XMLData *data, const char *pid,
                    QMap<QString, _stAppConfigNode *> &apps);
+    // Updates the section named by `szPidName` in place and replaces the file
+    // atomically; a file that cannot be read or parsed is left as it is.
+    void SaveConfig(stTablet_XMLData *data, QMap<QString, _stAppConfigNode *> &apps);
+    // Sets or, for an empty value, removes the text child of `node`.
+    static void SetTextValue(QDomDocument doc, QDomNode node, QVariant value);
 
     const QString &fileName() const { return m_fileName; }
 
