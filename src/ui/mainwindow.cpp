@@ -9,6 +9,7 @@
 #include "mylinux.h"
 #include "mylrc.h"
 #include "ui_mainwindow.h"
+#include "usblistenthread.h"
 #include "zelkdevice.h"
 
 #include <QApplication>
@@ -18,11 +19,21 @@
 #include <QMenu>
 #include <QMutexLocker>
 #include <QSettings>
+#include <QThread>
 #include <hidapi.h>
+#include <libusb.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
+
+namespace
+{
+// The system needs this long before a new device can be opened.
+constexpr unsigned long kArrivalSettleUs = 600000;
+constexpr unsigned long kListenerStopWaitMs = 1000;
+} // namespace
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
 {
@@ -77,7 +88,9 @@ void MainWindow::connectDesktopSignals()
 
 MainWindow::~MainWindow()
 {
+    qDebug() << "MainWindow------";
     CloseDevice();
+    qDeleteAll(m_RemovedTablets);
     qInfo() << "ScriboraV3 Closed.";
     cvtKeyCode::release();
     if (CGlobalData::Language_Config)
@@ -110,6 +123,12 @@ int MainWindow::Init()
 {
     EnmuTabeltDevice();
     CGlobalData::MyInputDriver.Init();
+    if (!m_UsbListenThread) {
+        m_UsbListenThread = new UsbListenThread;
+        connect(m_UsbListenThread, &UsbListenThread::SentListenMsg, this,
+                &MainWindow::ReceiveUsbMsg, Qt::QueuedConnection);
+    }
+    m_UsbListenThread->start(QThread::InheritPriority);
     return 1;
 }
 
@@ -130,6 +149,9 @@ bool MainWindow::EnumDeviceLinux(int pid)
         return false;
     bool opened = false;
     for (const hid_device_info *entry = devices; entry; entry = entry->next) {
+        // A like device arriving must not open the one already running again.
+        if (isPathOpen(entry->path))
+            continue;
         for (const ZelkDevice &row : zelkDevList) {
             if (entry->vendor_id != row.vid || entry->product_id != row.pid ||
                 entry->interface_number != static_cast<int>(row.interfaceNumber))
@@ -171,6 +193,15 @@ void MainWindow::registerTablet(CTablet *tablet)
     connectTablet(tablet);
 }
 
+bool MainWindow::isPathOpen(const char *path) const
+{
+    for (const CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet && path && strcmp(tablet->m_DeviceAttributes.DevicePath, path) == 0)
+            return true;
+    }
+    return false;
+}
+
 void MainWindow::connectTablet(CTablet *tablet)
 {
     connect(tablet, qOverload<int, int, int>(&CTablet::PostActionMsg), this,
@@ -187,6 +218,37 @@ int MainWindow::GetEmptyTabletArray() const
             return slot;
     }
     return -1;
+}
+
+int MainWindow::GetTabletArraySize() const
+{
+    return static_cast<int>(std::count_if(std::begin(CGlobalData::TabletArray),
+                                          std::end(CGlobalData::TabletArray),
+                                          [](const CTablet *tablet) { return tablet != nullptr; }));
+}
+
+QString MainWindow::DeleteMapItem(CTablet *tablet)
+{
+    for (auto entry = CGlobalData::TabletMap.begin(); entry != CGlobalData::TabletMap.end();
+         ++entry) {
+        if (entry.value() != tablet)
+            continue;
+        const QString key = entry.key();
+        CGlobalData::TabletMap.erase(entry);
+        return key;
+    }
+    return QString();
+}
+
+bool MainWindow::GetSameTablet(int pid)
+{
+    const QString pidString = QString::asprintf("PID_%04X", pid & 0xFFFF);
+    for (const CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet && pidString == QLatin1String(tablet->m_DeviceAttributes.PidString) &&
+            CGlobalData::TabletMap.contains(QString::fromUtf8(tablet->m_DeviceAttributes.ShowName)))
+            return true;
+    }
+    return false;
 }
 
 int MainWindow::IsDeviceShowNameExit(const QString &pidString, CTablet *except) const
@@ -241,8 +303,85 @@ void MainWindow::onSelectTabletDevice(QString deviceName, int)
     InitUI(deviceName);
 }
 
+void MainWindow::ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state)
+{
+    qDebug() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
+    qInfo() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
+    if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_ARRIVED)
+        onDeviceArrived(pid);
+    else if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_LEFT)
+        onDeviceLeft(pid);
+}
+
+// Blocks the GUI thread on purpose: a removal that follows waits in the queue.
+void MainWindow::onDeviceArrived(int pid)
+{
+    QThread::usleep(kArrivalSettleUs);
+    if (EnumDeviceLinux(pid))
+        showSoleDevice();
+}
+
+// Closes every device of the product, then reopens those still connected.
+void MainWindow::onDeviceLeft(int pid)
+{
+    const QString pidText = QString::asprintf("PID_%04X", pid & 0xFFFF);
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        const CTablet *tablet = CGlobalData::TabletArray[slot];
+        if (tablet && QString::fromLatin1(tablet->m_DeviceAttributes.PidString).contains(pidText))
+            removeTablet(slot);
+    }
+    if (EnumDeviceLinux(pid))
+        showSoleDevice();
+}
+
+void MainWindow::removeTablet(int slot)
+{
+    CTablet *tablet = CGlobalData::TabletArray[slot];
+    const QString key = DeleteMapItem(tablet);
+    QObject::disconnect(tablet, nullptr, this, nullptr);
+    QObject::disconnect(this, nullptr, tablet, nullptr);
+    tablet->DelTablet();
+    CGlobalData::TabletArray[slot] = nullptr;
+    m_RemovedTablets.append(tablet);
+    if (m_CurrentTablet == tablet)
+        m_CurrentTablet = nullptr;
+    qInfo() << "Function nativeEvent:" << tablet->m_DeviceAttributes.PidString << " disconnected";
+    if (ui->widget_device->count() < 2) {
+        ui->widget_device->removeItem(0);
+        CloseJingxiMode();
+    } else {
+        // A like device shadowed in the map by a later one has no key: its entry bears the
+        // same show name.
+        ui->widget_device->removeChildDevice(
+            key.isEmpty() ? QString::fromUtf8(tablet->m_DeviceAttributes.ShowName) : key);
+    }
+    if (GetTabletArraySize() == 0)
+        DeleteUI();
+}
+
+void MainWindow::showSoleDevice()
+{
+    if (ui->widget_device->count() != 1)
+        return;
+    EnumDisplay(false);
+    InitUI(ui->widget_device->currentText());
+}
+
+void MainWindow::stopListener()
+{
+    if (!m_UsbListenThread)
+        return;
+    m_UsbListenThread->Exit();
+    disconnect(m_UsbListenThread, nullptr, this, nullptr);
+    m_UsbListenThread->quit();
+    m_UsbListenThread->wait(kListenerStopWaitMs);
+    delete m_UsbListenThread;
+    m_UsbListenThread = nullptr;
+}
+
 void MainWindow::CloseDevice()
 {
+    stopListener();
     for (CTablet *&tablet : CGlobalData::TabletArray) {
         if (!tablet)
             continue;

@@ -2,6 +2,7 @@
 
 #include "settingsrecords.h"
 
+#include <QList>
 #include <QString>
 #include <QSystemTrayIcon>
 #include <QWidget>
@@ -14,6 +15,7 @@ class CTablet;
 class JingXiMode;
 class QMenu;
 class QRect;
+class UsbListenThread;
 
 // The one top-level window; it also owns the device scan on the GUI thread.
 class MainWindow : public QWidget
@@ -28,6 +30,9 @@ public:
     bool EmumDevice();
     bool EnmuTabeltDevice();
     int GetEmptyTabletArray() const;
+    int GetTabletArraySize() const;
+    // Removes the first map entry of the tablet and gives its key, empty if there is none.
+    QString DeleteMapItem(CTablet *tablet);
     int IsDeviceShowNameExit(const QString &pidString, CTablet *except) const;
     int getDeviceListIndex(const QString &path) const;
     void InitUI(const QString &deviceName);
@@ -48,6 +53,8 @@ public:
     JingXiMode *fineMode() const { return m_JingXiMode; }
 
 public slots:
+    void ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state);
+    bool GetSameTablet(int pid);
     void OnShowDriver();
     void OnQuiqDriver();
     void ReceivActionMsg(int tabletId, int msgId, int msgData);
@@ -74,6 +81,12 @@ private:
     void openConfiguration();
     void connectDesktopSignals();
     void registerTablet(CTablet *tablet);
+    bool isPathOpen(const char *path) const;
+    void onDeviceArrived(int pid);
+    void onDeviceLeft(int pid);
+    void removeTablet(int slot);
+    void showSoleDevice();
+    void stopListener();
     void connectTablet(CTablet *tablet);
 
     Ui::MainWindow *ui;
@@ -82,6 +95,9 @@ private:
     QSystemTrayIcon *m_TrayIcon = nullptr;
     QMenu *m_TrayMenu = nullptr;
     JingXiMode *m_JingXiMode = nullptr;
+    UsbListenThread *m_UsbListenThread = nullptr;
+    // Unplugged tablets stay allocated: pages and queued messages may still point at them.
+    QList<CTablet *> m_RemovedTablets;
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
 };

@@ -52,9 +52,21 @@ void QDeviceItemWidget::removeItem(int index)
         if (id > index)
             m_Buttons->setId(remaining, id - 1);
     }
+    // Another device's entry going leaves the selection where it is.
+    if (index < m_Current) {
+        --m_Current;
+        return;
+    }
+    if (index > m_Current)
+        return;
     m_Current = -1;
     if (!m_Names.isEmpty())
         select(qMin(index, m_Names.size() - 1));
+}
+
+void QDeviceItemWidget::removeChildDevice(const QString &name)
+{
+    removeItem(m_Names.indexOf(name));
 }
 
 QString QDeviceItemWidget::currentText() const

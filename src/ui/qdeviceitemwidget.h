@@ -17,6 +17,8 @@ public:
 
     bool addItem(const QString &name, const QString &picture);
     void removeItem(int index);
+    // Removes the first entry of that name.
+    void removeChildDevice(const QString &name);
     int count() const { return m_Names.size(); }
     QString currentText() const;
     int currentIndex() const { return m_Current; }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QThread>
+#include <atomic>
+#include <libusb.h>
+
+// Turns libusb's hot-plug events for the vendor into a queued Qt signal.
+class UsbListenThread : public QThread
+{
+    Q_OBJECT
+public:
+    explicit UsbListenThread(QObject *parent = nullptr);
+    ~UsbListenThread() override;
+
+    void create_listener();
+    void Exit();
+    void delete_listener();
+
+    static int LIBUSB_CALL libusb_callback(libusb_context *context, libusb_device *device,
+                                           libusb_hotplug_event event, void *user);
+    void tablet_callback(libusb_context *context, libusb_device *device,
+                         libusb_hotplug_event event);
+
+    static constexpr int kEventTimeoutUs = 500000;
+
+signals:
+    // state: 1 arrived, 2 left, as libusb numbers its events.
+    void SentListenMsg(unsigned short vid, unsigned short pid, short state);
+
+protected:
+    void run() override;
+
+private:
+    std::atomic<bool> m_Stop{false};
+    libusb_context *m_Context = nullptr;
+    libusb_hotplug_callback_handle m_CallbackHandle = 0;
+};

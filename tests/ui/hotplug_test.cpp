@@ -1,0 +1,263 @@
+#include "devicefixture.h"
+#include "fakeuinput.h"
+#include "mainwindow.h"
+#include "qdeviceitemwidget.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QTabWidget>
+#include <QThread>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr unsigned short kVendor = 0x5A3C;
+constexpr short kArrived = 1;
+constexpr short kLeft = 2;
+
+bool waitFor(const std::function<bool()> &done, int timeoutMs = 8000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!done()) {
+        if (timer.elapsed() > timeoutMs)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+std::vector<short> &seenStates()
+{
+    static std::vector<short> states;
+    return states;
+}
+
+// Records the state of each hot-plug message the window takes, in the order taken.
+void recordStates(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type != QtInfoMsg || !text.startsWith("ReceiveUsbMsg"))
+        return;
+    seenStates().push_back(static_cast<short>(text.section(' ', -1).toShort()));
+}
+
+class HotPlug : public DeviceFixture
+{
+protected:
+    void SetUp() override
+    {
+        DeviceFixture::SetUp();
+        ASSERT_TRUE(m_Uinput.isValid());
+        fakeuinput::start(m_Uinput.path().toStdString());
+        m_Window = std::make_unique<MainWindow>();
+        CGlobalData::ScreenArray[0] = QRect(0, 0, 1920, 1080);
+        m_Window->show();
+        m_Strip = m_Window->findChild<QDeviceItemWidget *>("widget_device");
+        m_Pages = m_Window->findChild<QTabWidget *>("tabWidget");
+        m_Disconnected = m_Window->findChild<QLabel *>("DisconnectTipsLabel");
+        ASSERT_TRUE(m_Strip && m_Pages && m_Disconnected);
+    }
+
+    void TearDown() override
+    {
+        m_Window.reset();
+        fakeuinput::stop();
+        DeviceFixture::TearDown();
+    }
+
+    void present(const std::vector<fakeusb::Device> &devices)
+    {
+        for (const fakeusb::Device &device : devices)
+            fakeusb::addDevice(device);
+        m_Window->EnumDeviceLinux(0);
+    }
+
+    // Device names by slot, "" for an empty one: each named device holds its slot with
+    // the one open handle of its vendor interface, and the window shows what is open.
+    void expectSlots(const std::vector<std::string> &names)
+    {
+        std::vector<std::string> expected;
+        std::vector<std::string> paths;
+        int filled = 0;
+        for (size_t slot = 0; slot < names.size(); ++slot) {
+            expected.push_back(names[slot].empty() ? "" : fakeusb::hidPath(names[slot], 2));
+            filled += !names[slot].empty();
+            const CTablet *tablet = CGlobalData::TabletArray[slot];
+            paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
+        }
+        EXPECT_EQ(paths, expected);
+        EXPECT_EQ(fakeusb::openHidHandles(), filled);
+        EXPECT_EQ(m_Window->GetTabletArraySize(), filled);
+        EXPECT_EQ(m_Strip->count(), filled);
+        EXPECT_EQ(m_Pages->isVisible(), filled > 0);
+        EXPECT_EQ(m_Disconnected->isVisible(), filled == 0);
+    }
+
+    QTemporaryDir m_Uinput;
+    std::unique_ptr<MainWindow> m_Window;
+    QDeviceItemWidget *m_Strip = nullptr;
+    QTabWidget *m_Pages = nullptr;
+    QLabel *m_Disconnected = nullptr;
+};
+
+struct ArrivalCase {
+    const char *name;
+    std::vector<fakeusb::Device> before;
+    fakeusb::Device plugged;
+    std::vector<std::string> bySlot;
+};
+
+TEST_F(HotPlug, ArrivalOpensCataloguedDevicesOnly)
+{
+    const ArrivalCase cases[] = {
+        {"first tablet", {}, tablet("a", 0x0B40, 1), {"a", "", "", "", ""}},
+        {"like tablet beside a running one",
+         {tablet("a", 0x0B40, 1)},
+         tablet("b", 0x0B40, 2),
+         {"a", "b", "", "", ""}},
+        {"product not in the catalogue", {}, tablet("odd", 0x0BFF, 2), {"", "", "", "", ""}},
+        {"sixth device",
+         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2), tablet("c", 0x0B41, 3),
+          tablet("d", 0x0B41, 4), tablet("e", 0xA20C, 5)},
+         tablet("f", 0x0B40, 6),
+         {"a", "b", "c", "d", "e"}},
+    };
+    for (const ArrivalCase &c : cases) {
+        SCOPED_TRACE(c.name);
+        TearDown();
+        SetUp();
+        present(c.before);
+        const std::vector<CTablet *> earlier(std::begin(CGlobalData::TabletArray),
+                                             std::end(CGlobalData::TabletArray));
+        fakeusb::plug(c.plugged);
+        QElapsedTimer timer;
+        timer.start();
+        m_Window->ReceiveUsbMsg(kVendor, c.plugged.pid, kArrived);
+        EXPECT_GE(timer.elapsed(), 600);
+        expectSlots(c.bySlot);
+        for (size_t slot = 0; slot < earlier.size(); ++slot) {
+            if (earlier[slot]) {
+                EXPECT_EQ(CGlobalData::TabletArray[slot], earlier[slot]) << "slot " << slot;
+            }
+        }
+    }
+}
+
+struct RemovalCase {
+    const char *name;
+    std::vector<fakeusb::Device> before;
+    std::string unplugged;
+    uint16_t pid;
+    std::vector<std::string> bySlot;
+    bool reopened; // the remaining tablet is a new object
+};
+
+TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
+{
+    const RemovalCase cases[] = {
+        {"last device", {tablet("a", 0x0B40, 1)}, "a", 0x0B40, {"", "", "", "", ""}, false},
+        {"one of two like tablets",
+         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2)},
+         "a",
+         0x0B40,
+         {"b", "", "", "", ""},
+         true},
+        {"one of two different tablets",
+         {tablet("a", 0x0B40, 1), tablet("c", 0xA20C, 2)},
+         "c",
+         0xA20C,
+         {"a", "", "", "", ""},
+         false},
+    };
+    for (const RemovalCase &c : cases) {
+        SCOPED_TRACE(c.name);
+        TearDown();
+        SetUp();
+        present(c.before);
+        std::vector<CTablet *> closed;
+        for (CTablet *tablet : CGlobalData::TabletArray) {
+            if (tablet && tablet->m_ProductId == c.pid)
+                closed.push_back(tablet);
+        }
+        CTablet *const first = CGlobalData::TabletArray[0];
+
+        fakeusb::unplug(c.unplugged);
+        m_Window->ReceiveUsbMsg(kVendor, c.pid, kLeft);
+
+        expectSlots(c.bySlot);
+        for (const CTablet *tablet : closed)
+            EXPECT_FALSE(tablet->m_Active) << "closed devices end their session";
+        if (CGlobalData::TabletArray[0]) {
+            EXPECT_EQ(CGlobalData::TabletArray[0] != first, c.reopened);
+        }
+        EXPECT_EQ(CGlobalData::TabletMap.size(), m_Window->GetTabletArraySize());
+        EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
+    }
+}
+
+// The strip keeps the user's choice when another device's entry goes.
+TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
+{
+    writeNames("[Common]\nPID_0B40=Alpha\nPID_0B41=Beta\nPID_A20C=Gamma\n");
+    present({tablet("a", 0x0B40, 1), tablet("b", 0x0B41, 2), tablet("c", 0xA20C, 3)});
+    const QList<QAbstractButton *> entries = m_Strip->findChildren<QAbstractButton *>();
+    ASSERT_EQ(entries.size(), 3);
+    entries[2]->click();
+    ASSERT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[2]);
+
+    fakeusb::unplug("a");
+    m_Window->ReceiveUsbMsg(kVendor, 0x0B40, kLeft);
+    EXPECT_EQ(m_Strip->count(), 2);
+    EXPECT_EQ(m_Strip->currentText(), "Gamma");
+    EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[2]);
+}
+
+// Through the listener that Init starts: events are taken one by one, in the order they came.
+TEST_F(HotPlug, QuickReplugsAreHandledInOrder)
+{
+    fakeusb::addDevice(tablet("a", 0x0B40, 1));
+    ASSERT_EQ(m_Window->Init(), 1);
+    ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
+    seenStates().clear();
+    const QtMessageHandler previous = qInstallMessageHandler(recordStates);
+
+    for (int round = 0; round < 2; ++round) {
+        fakeusb::unplug("a");
+        fakeusb::plug(tablet("a", 0x0B40, 1));
+    }
+    const bool allTaken = waitFor([] { return seenStates().size() >= 4; });
+    qInstallMessageHandler(previous);
+    ASSERT_TRUE(allTaken);
+    EXPECT_EQ(seenStates(), (std::vector<short>{kLeft, kArrived, kLeft, kArrived}));
+
+    expectSlots({"a", "", "", "", ""});
+    const size_t written = fakeusb::writesTo("a").size();
+    CGlobalData::TabletArray[0]->SentCmd(3, 2, 0);
+    EXPECT_EQ(fakeusb::writesTo("a").size(), written + 1) << "the handle is the new attachment's";
+}
+
+TEST_F(HotPlug, TabletPluggedAfterStartComesAndGoes)
+{
+    ASSERT_EQ(m_Window->Init(), 1);
+    EXPECT_FALSE(m_Pages->isVisible());
+
+    fakeusb::plug(tablet("a", 0x0B40, 1));
+    ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] != nullptr; }));
+    EXPECT_TRUE(CGlobalData::TabletArray[0]->m_Active);
+    EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
+    EXPECT_EQ(m_Strip->currentText(), "Scribora Sketch S");
+    expectSlots({"a", "", "", "", ""});
+
+    fakeusb::unplug("a");
+    ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] == nullptr; }));
+    expectSlots({"", "", "", "", ""});
+}
+
+} // namespace
