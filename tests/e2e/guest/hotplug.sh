@@ -1,0 +1,44 @@
+#!/bin/bash
+# Guest side of e2e_hotplug: the driver starts with no tablet; tab1 is plugged
+# in, drawn on and unplugged twice (hotplug_probe.py). Between the rounds the
+# driver must keep running and answer on its event loop.
+#   hotplug.sh SCRIBORA_BINARY BUILD_DIR
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+bin="$1"
+build="$2"
+wait_s="${E2E_START_TIMEOUT:-120}"
+
+hotplug_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/hotplug_probe.py" "$@"; }
+
+alive() {
+    if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
+        echo "PASS: scribora still runs $1"
+    else
+        echo "FAIL: scribora ended $1"
+        return 1
+    fi
+}
+
+scribora_install_conf "$build" || exit 1
+scribora_start "$bin" || exit 1
+
+status=0
+if PEN_NODE="$(pen_probe node "NORVA Pen" "$wait_s")"; then
+    # The hot-plug listener starts right after the virtual devices exist.
+    sleep 2
+    hotplug_probe 1 "$PEN_NODE" "$E2E_OUT/hotplug-1.events" || status=1
+    # the removal reaches the driver about 0.4 s after the unplug
+    sleep 3
+    alive "after the unplug" || status=1
+    pen_probe ping-app 10 || status=1
+    hotplug_probe 2 "$PEN_NODE" "$E2E_OUT/hotplug-2.events" || status=1
+    sleep 3
+    alive "after the second unplug" || status=1
+else
+    guest_log "no \"NORVA Pen\" input device"
+    status=1
+fi
+scribora_stop || status=1
+exit "$status"
