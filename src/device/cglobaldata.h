@@ -53,3 +53,11 @@ public:
 QString languageText(const char *key);
 // The same, with the built-in text for an empty result.
 QString languageText(const char *key, const QString &fallback);
+
+// Sets a widget's text in the current language; with no text the designer's text stands.
+template <typename Widget> void setLanguageText(Widget *widget, const char *key)
+{
+    const QString text = languageText(key);
+    if (!text.isEmpty())
+        widget->setText(text);
+}
