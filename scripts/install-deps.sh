@@ -9,6 +9,7 @@ packages=(
     libgtest-dev libbenchmark-dev
     clang libclang-rt-14-dev  # libFuzzer
     xvfb x11-utils
+    fonts-dejavu-core  # the pictures drawn at build time carry text
     libinput-tools  # the e2e pen test runs libinput debug-events in the guest
 )
 

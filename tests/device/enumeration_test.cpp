@@ -101,6 +101,7 @@ TEST_F(Enumeration, OpensACataloguedTablet)
 
 TEST_F(Enumeration, TheWindowShowsTheOpenedDevice)
 {
+    QResource::registerResource(RESOURCE_FILE);
     MainWindow window;
     window.show();
     auto *strip = window.findChild<QDeviceItemWidget *>("widget_device");
@@ -119,7 +120,6 @@ TEST_F(Enumeration, TheWindowShowsTheOpenedDevice)
     QCoreApplication::processEvents();
     EXPECT_TRUE(strip->findChild<QWidget *>("DeviceNameGroup")->isVisible());
 
-    QResource::registerResource(RESOURCE_FILE);
     QFile style(":/qss/qss/stylesheet.qss");
     if (style.open(QIODevice::ReadOnly))
         window.setStyleSheet(QString::fromLatin1(style.readAll()));
