@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "batterywidget.h"
 #include "cglobaldata.h"
 #include "cscreeninfos.h"
 #include "ctablet.h"
@@ -8,6 +9,8 @@
 #include "jingximode.h"
 #include "mylinux.h"
 #include "mylrc.h"
+#include "settingform.h"
+#include "traymenu.h"
 #include "ui_mainwindow.h"
 #include "usblistenthread.h"
 #include "zelkdevice.h"
@@ -15,11 +18,16 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDebug>
+#include <QDesktopServices>
 #include <QDesktopWidget>
-#include <QMenu>
+#include <QGraphicsDropShadowEffect>
+#include <QListWidget>
+#include <QMouseEvent>
 #include <QMutexLocker>
 #include <QSettings>
+#include <QTabBar>
 #include <QThread>
+#include <QUrl>
 #include <hidapi.h>
 #include <libusb.h>
 
@@ -33,6 +41,9 @@ namespace
 // The system needs this long before a new device can be opened.
 constexpr unsigned long kArrivalSettleUs = 600000;
 constexpr unsigned long kListenerStopWaitMs = 1000;
+// Presses below the head strip do not drag the window.
+constexpr int kDragStripHeight = 80;
+constexpr int kGroupKeyPage = 5;
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
@@ -43,18 +54,56 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     connectDesktopSignals();
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
+    OnTabItemClicked(0);
     qRegisterMetaType<MultiData>("MultiData");
-    setWindowFlags(Qt::FramelessWindowHint | Qt::Window);
-    setWindowTitle("Scribora");
-    setWindowIcon(QIcon(":/image/Res/scribora.png"));
+    setUpFrame();
     // The screens are known before any device is opened.
     EnumDisplay(false);
-    connect(CGlobalData::Show_Info, &MyLrc::EmitAction, this, &MainWindow::OnShowLabel);
-    connect(CGlobalData::Show_Info, &MyLrc::EmitRingLrc, this, &MainWindow::OnShowRinglrc);
-    connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
-            &MainWindow::onSelectTabletDevice);
+    m_StartTime = QTime::currentTime();
+    connectShell();
+    watchDragAreas();
+    // Telemetry is dormant, and with it the art-community link.
+    ui->LinkArtBtn->hide();
     ui->pushButton_cancel->hide();
     DeleteUI();
+}
+
+void MainWindow::setUpFrame()
+{
+    setWindowFlags(Qt::FramelessWindowHint | Qt::Window);
+    setAutoFillBackground(false);
+    setWindowTitle("Scribora");
+    setWindowIcon(QIcon(":/image/Res/scribora.png"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    ui->tabWidget->setAttribute(Qt::WA_StyledBackground);
+    // Pages are chosen from the list, never from tabs of their own.
+    ui->tabWidget->tabBar()->hide();
+    auto *shadow = new QGraphicsDropShadowEffect(ui->main_frame);
+    shadow->setOffset(0, 0);
+    shadow->setColor(Qt::black);
+    shadow->setBlurRadius(14);
+    ui->main_frame->setGraphicsEffect(shadow);
+}
+
+void MainWindow::connectShell()
+{
+    connect(ui->minBtn, &QPushButton::clicked, this, &QWidget::showMinimized);
+    connect(ui->settingBtn, &QPushButton::clicked, this, &MainWindow::ShowSettingForm);
+    connect(CGlobalData::Show_Info, &MyLrc::EmitAction, this, &MainWindow::OnShowLabel);
+    connect(CGlobalData::Show_Info, &MyLrc::EmitRingLrc, this, &MainWindow::OnShowRinglrc);
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, &MainWindow::OnTabItemClicked);
+    connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
+            &MainWindow::onSelectTabletDevice);
+    connect(ui->listWidget_left, &QListWidget::itemClicked, this, &MainWindow::onClickListItem);
+}
+
+void MainWindow::watchDragAreas()
+{
+    for (QObject *area :
+         {static_cast<QObject *>(ui->logo), static_cast<QObject *>(ui->groupBox_head),
+          static_cast<QObject *>(ui->label_bg), static_cast<QObject *>(ui->widget_device),
+          static_cast<QObject *>(ui->DisConnectLabel)})
+        area->installEventFilter(this);
 }
 
 // The text files must be open before any widget exists.
@@ -90,6 +139,7 @@ MainWindow::~MainWindow()
 {
     qDebug() << "MainWindow------";
     CloseDevice();
+    delete m_SettingForm;
     qDeleteAll(m_RemovedTablets);
     qInfo() << "ScriboraV3 Closed.";
     cvtKeyCode::release();
@@ -111,12 +161,15 @@ void MainWindow::InitLanguageUI()
     if (!copyright.isEmpty())
         ui->copyright->setText(copyright);
     ui->version->setText("Ver:3.4.9");
-    const QString ok = languageText("Common.ok");
-    if (!ok.isEmpty())
-        ui->pushButton_ok->setText(ok);
-    const QString cancel = languageText("Common.cancel");
-    if (!cancel.isEmpty())
-        ui->pushButton_cancel->setText(cancel);
+    setLanguageText(ui->pushButton_ok, "Common.ok");
+    setLanguageText(ui->pushButton_cancel, "Common.cancel");
+    setLanguageText(ui->DisconnectTipsLabel, "Setting.DisconnectTips");
+    setLanguageText(ui->label_application, "Application");
+    setLanguageText(ui->checkBox_pressure, "Setting.item1");
+    setLanguageText(ui->checkBox_tipMsg, "Setting.item2");
+    setLanguageText(ui->checkBox_hotkey, "Setting.item3");
+    setLanguageText(ui->pushButton_import, "Setting.item4");
+    setLanguageText(ui->pushButton_export, "Setting.item5");
 }
 
 int MainWindow::Init()
@@ -278,15 +331,74 @@ int MainWindow::getDeviceListIndex(const QString &path) const
 
 void MainWindow::InitUI(const QString &deviceName)
 {
+    qInfo() << "Function  UpdateUIByAppChange:" << deviceName;
+    ui->tabWidget->show();
+    ui->DisConnectLabel->hide();
+    ui->DisconnectTipsLabel->hide();
+    if (deviceName.isEmpty())
+        return;
+    ui->settingBtn->show();
     CTablet *tablet = CGlobalData::TabletMap.value(deviceName, nullptr);
     if (!tablet)
         return;
     m_CurrentTablet = tablet;
     tablet->m_DefaultMappingPending = false;
-    ui->tabWidget->show();
-    ui->settingBtn->show();
-    ui->DisConnectLabel->hide();
-    ui->DisconnectTipsLabel->hide();
+    tablet->m_SendMultiData = ui->tabWidget->currentIndex() == 1;
+    fillPageList(tablet);
+    if (!m_BatteryWidget) {
+        m_BatteryWidget = new BatteryWidget(ui->listWidget_left);
+        ui->listWidget_left->setFocusPolicy(Qt::NoFocus);
+    }
+    selectFirstPage(tablet);
+    showBattery(tablet);
+}
+
+void MainWindow::fillPageList(const CTablet *tablet)
+{
+    const stTablet_XMLData &settings = *tablet->m_TabletXMLData;
+    const bool remote = tablet->m_DeviceAttributes.DeviceType == DeviceTypeRemote;
+    ui->listWidget_left->clear();
+    addPageRow("WorkArea", "Work Area", remote);
+    addPageRow("Pen", "Pen", remote);
+    if (settings.DeviceKeyNum > 0)
+        addPageRow("ShortcutKey", "Shortcut Key", false);
+    if ((settings.DeviceRingNum >= 1 && settings.SupportGroupKeys == 0) ||
+        settings.DeviceTrackPad != 0)
+        addPageRow("TR", "Wheel", false);
+}
+
+void MainWindow::addPageRow(const char *key, const char *fallback, bool hidden)
+{
+    const QString text = languageText(key, QString::fromLatin1(fallback));
+    auto *item = new QListWidgetItem(text, ui->listWidget_left);
+    item->setToolTip(text);
+    item->setTextAlignment(Qt::AlignCenter);
+    item->setHidden(hidden);
+}
+
+// A page chosen on another device of the list stays if this one has it too.
+void MainWindow::selectFirstPage(const CTablet *tablet)
+{
+    int row = tablet->m_DeviceAttributes.DeviceType == DeviceTypeRemote ? 2 : 0;
+    const int current = ui->tabWidget->currentIndex();
+    if (ui->widget_device->count() > 1 && current > row && current < ui->listWidget_left->count())
+        row = current;
+    ui->listWidget_left->setCurrentRow(row);
+    const int page = tablet->m_TabletXMLData->SupportGroupKeys ? kGroupKeyPage : row;
+    ui->tabWidget->setCurrentIndex(page);
+    OnTabItemClicked(page);
+}
+
+void MainWindow::showBattery(CTablet *tablet)
+{
+    m_BatteryWidget->move(10, 36 * ui->listWidget_left->count());
+    if (tablet->m_BatteryValue > 0) {
+        m_BatteryWidget->SetBatteryValue(tablet->m_BatteryValue, 0);
+        m_BatteryWidget->show();
+    } else {
+        m_BatteryWidget->hide();
+    }
+    tablet->SentCmd(4, 0, 0);
 }
 
 void MainWindow::DeleteUI()
@@ -295,12 +407,98 @@ void MainWindow::DeleteUI()
     ui->settingBtn->hide();
     ui->DisConnectLabel->show();
     ui->DisconnectTipsLabel->show();
+    if (m_BatteryWidget)
+        m_BatteryWidget->hide();
     ui->listWidget_left->clear();
 }
 
-void MainWindow::onSelectTabletDevice(QString deviceName, int)
+void MainWindow::onSelectTabletDevice(QString deviceName, int index)
 {
-    InitUI(deviceName);
+    qInfo() << "Function  onSelectTabletDevice:" << deviceName << "-" << index;
+    if (m_CurrentTablet)
+        m_CurrentTablet->m_SendMultiData = false;
+    m_CurrentTablet = CGlobalData::TabletMap.value(deviceName, nullptr);
+    if (ui->widget_device->count() >= 1)
+        InitUI(deviceName);
+    CloseJingxiMode();
+}
+
+void MainWindow::onClickListItem(QListWidgetItem *item)
+{
+    showPage(ui->listWidget_left->row(item));
+}
+
+void MainWindow::showPage(int row)
+{
+    if (!m_CurrentTablet)
+        return;
+    m_CurrentTablet->m_SendMultiData = row == 1;
+    ui->tabWidget->setCurrentIndex(
+        m_CurrentTablet->m_TabletXMLData->SupportGroupKeys ? kGroupKeyPage : row);
+}
+
+// The application strip stays hidden on every page.
+void MainWindow::OnTabItemClicked(int index)
+{
+    ui->labelhead_bg->setHidden(index < 1);
+    ui->widget_app->hide();
+    ui->pushButton_add->hide();
+    ui->pushButton_delete->hide();
+    ui->label_application->hide();
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        return filterMousePress(watched, static_cast<QMouseEvent *>(event));
+    case QEvent::MouseMove:
+        return watched != ui->logo && filterMouseMove(static_cast<QMouseEvent *>(event));
+    case QEvent::MouseButtonRelease:
+        filterMouseRelease(static_cast<QMouseEvent *>(event));
+        return false;
+    default:
+        return QWidget::eventFilter(watched, event);
+    }
+}
+
+bool MainWindow::filterMousePress(QObject *watched, const QMouseEvent *event)
+{
+    qDebug() << "MouseButtonPress:" << watched->objectName();
+    if (watched == ui->label_bg)
+        qDebug() << "label_bg MouseButtonPress";
+    if (watched == ui->logo) {
+        const QString address = languageText("Device.url");
+        if (!address.isEmpty())
+            QDesktopServices::openUrl(QUrl(address));
+        return false;
+    }
+    if (qRound(event->localPos().y()) > kDragStripHeight)
+        return false;
+    m_Dragging = true;
+    m_DragOrigin = event->pos();
+    return true;
+}
+
+bool MainWindow::filterMouseMove(const QMouseEvent *event)
+{
+    if (!m_Dragging)
+        return false;
+    move(pos() + event->pos() - m_DragOrigin);
+    return true;
+}
+
+void MainWindow::filterMouseRelease(const QMouseEvent *event)
+{
+    qDebug() << "MouseButtonRelease:";
+    filterMouseMove(event);
+    m_Dragging = false;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    qDebug() << "closeEvent";
+    QWidget::closeEvent(event);
 }
 
 void MainWindow::ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state)
@@ -397,20 +595,24 @@ void MainWindow::InitSystemTray()
 {
     if (m_TrayReady)
         return;
-    m_TrayMenu = new QMenu(this);
-    m_TrayMenu->addAction(languageText("Tray.show", "Show"), this, &MainWindow::OnShowDriver);
-    m_TrayMenu->addAction(languageText("Tray.exit", "Exit"), this, &MainWindow::OnQuiqDriver);
-    m_TrayIcon = new QSystemTrayIcon(QIcon(":/image/Res/scribora.png"), this);
-    m_TrayIcon->setToolTip("Scribora");
+    m_TrayIcon = new QSystemTrayIcon(this);
+    m_TrayMenu = new TrayMenu(this);
     m_TrayIcon->setContextMenu(m_TrayMenu);
+    m_TrayIcon->setToolTip("Scribora");
+    m_TrayIcon->setIcon(QIcon(":/image/Res/scribora.png"));
     connect(m_TrayIcon, &QSystemTrayIcon::activated, this, &MainWindow::onActivated);
+    connect(m_TrayMenu, &TrayMenu::showAction, this, &MainWindow::OnShowDriver);
+    connect(m_TrayMenu, &TrayMenu::updateAction, this, &MainWindow::OnUpdateApp);
+    connect(m_TrayMenu, &TrayMenu::quitAction, this, &MainWindow::OnQuiqDriver);
     m_TrayIcon->show();
     m_TrayReady = true;
 }
 
 void MainWindow::onActivated(QSystemTrayIcon::ActivationReason reason)
 {
-    if (reason == QSystemTrayIcon::Trigger)
+    if (reason == QSystemTrayIcon::Context)
+        m_TrayMenu->popup(QCursor::pos());
+    else if (reason == QSystemTrayIcon::Trigger)
         OnShowDriver();
 }
 
@@ -421,9 +623,110 @@ void MainWindow::OnShowDriver()
     activateWindow();
 }
 
-// Every device goes back to the system before the driver ends.
+// Closing the panel saves and leaves the driver running in the tray.
+void MainWindow::on_closeBtn_clicked()
+{
+    InitSystemTray();
+    hide();
+    on_pushButton_ok_clicked();
+}
+
+void MainWindow::on_pushButton_ok_clicked()
+{
+    if (!m_CurrentTablet)
+        return;
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->SaveXML();
+    }
+    const QString saved = languageText("Information.101");
+    if (!saved.isEmpty())
+        CGlobalData::Show_Info->EmitInfo(saved);
+}
+
+void MainWindow::on_pushButton_cancel_clicked()
+{
+    if (!m_CurrentTablet)
+        return;
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->LoadXML(tablet->m_DeviceAttributes.ModelName);
+    }
+    InitUI(QString::fromUtf8(m_CurrentTablet->m_DeviceAttributes.ShowName));
+}
+
+void MainWindow::ShowSettingForm()
+{
+    const QPoint at = frameGeometry().topLeft() + QPoint(590, 70);
+    if (!m_SettingForm)
+        createSettingForm();
+    m_SettingForm->move(at);
+    m_SettingForm->SetCheckButtonStatus(m_CurrentTablet, m_Language, ui->version->text());
+    m_SettingForm->show();
+    m_SettingForm->activateWindow();
+}
+
+// Telemetry and the updater are dormant: no consent box and no download entry.
+void MainWindow::createSettingForm()
+{
+    qDebug() << "ShowSettingForm";
+    m_SettingForm = new SettingForm(this);
+    m_SettingForm->SetDataCollectVisable(false, false);
+    const QVariant redPoint = ui->settingBtn->property("redPoint");
+    m_SettingForm->SetDriverDownBtnVisabel(redPoint.toString() == "1" ||
+                                           redPoint.toString() == "true");
+    connect(m_SettingForm, &SettingForm::DisablePress, this, &MainWindow::onCheckBoxDisablePress);
+    connect(m_SettingForm, &SettingForm::DisableSlope, this, &MainWindow::onCheckBoxDisableSlope);
+    connect(m_SettingForm, &SettingForm::DisableHotkey, this, &MainWindow::onCheckBoxDisableHotkey);
+    connect(m_SettingForm, &SettingForm::DisableTipMsg, this, &MainWindow::onCheckBoxDisableTipMsg);
+}
+
+void MainWindow::CloseSettingFormDevices()
+{
+    if (m_SettingForm)
+        emit m_SettingForm->CloseSettingForm();
+}
+
+void MainWindow::onCheckBoxDisablePress(bool disabled)
+{
+    storeFlag("CheckBoxDisablePress", &stTablet_XMLData::DisablePressure, disabled);
+}
+
+void MainWindow::onCheckBoxDisableSlope(bool disabled)
+{
+    storeFlag("CheckBoxDisableSlope", &stTablet_XMLData::DisableSlope, disabled);
+}
+
+void MainWindow::onCheckBoxDisableHotkey(bool disabled)
+{
+    storeFlag("CheckBoxDisableHotkey", &stTablet_XMLData::DisableQuickKey, disabled);
+}
+
+void MainWindow::onCheckBoxDisableTipMsg(bool disabled)
+{
+    storeFlag("CheckBoxDisableTipMsg", &stTablet_XMLData::DisableInfo, disabled);
+}
+
+void MainWindow::storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value)
+{
+    qDebug() << name << value;
+    if (!m_CurrentTablet || !m_CurrentTablet->m_TabletXMLData)
+        return;
+    m_CurrentTablet->m_TabletXMLData->*flag = value ? 1 : 0;
+}
+
+void MainWindow::OnUpdateApp()
+{
+    for (CTablet *tablet : CGlobalData::TabletArray) {
+        if (tablet)
+            tablet->SaveXML();
+    }
+}
+
+// Saves, then gives every device back to the system before the driver ends.
 void MainWindow::OnQuiqDriver()
 {
+    on_pushButton_ok_clicked();
     for (CTablet *tablet : CGlobalData::TabletArray) {
         if (tablet)
             tablet->SentCmd(3, 2, 0);
@@ -459,8 +762,18 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
     }
 }
 
-// One tray warning per fall to 20 % or below; charging or a higher value re-arms it.
 void MainWindow::onBatteryMsg(CTablet *tablet, int chargeState)
+{
+    noteLowBattery(tablet, chargeState);
+    if (tablet != m_CurrentTablet || !m_BatteryWidget)
+        return;
+    m_BatteryWidget->SetBatteryValue(tablet->m_BatteryValue, chargeState);
+    m_BatteryWidget->show();
+    m_BatteryWidget->update();
+}
+
+// One tray warning per fall to 20 % or below; charging or a higher value re-arms it.
+void MainWindow::noteLowBattery(CTablet *tablet, int chargeState)
 {
     if (chargeState == 1) {
         tablet->m_LowBatteryNoted = 0;

@@ -3,18 +3,23 @@
 #include "settingsrecords.h"
 
 #include <QList>
+#include <QPoint>
 #include <QString>
 #include <QSystemTrayIcon>
+#include <QTime>
 #include <QWidget>
 
 namespace Ui
 {
 class MainWindow;
 }
+class BatteryWidget;
 class CTablet;
 class JingXiMode;
-class QMenu;
+class QListWidgetItem;
 class QRect;
+class SettingForm;
+class TrayMenu;
 class UsbListenThread;
 
 // The one top-level window; it also owns the device scan on the GUI thread.
@@ -51,6 +56,10 @@ public:
     void setStartedMinimised(bool minimised) { m_StartedMinimised = minimised; }
     Ui::MainWindow *form() const { return ui; }
     JingXiMode *fineMode() const { return m_JingXiMode; }
+    BatteryWidget *batteryWidget() const { return m_BatteryWidget; }
+    QSystemTrayIcon *trayIcon() const { return m_TrayIcon; }
+    TrayMenu *trayMenu() const { return m_TrayMenu; }
+    SettingForm *settingForm() const { return m_SettingForm; }
 
 public slots:
     void ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state);
@@ -67,12 +76,42 @@ public slots:
     void CloseJingxiMode();
     void OnShowLabel(QString text);
     void OnShowRinglrc(QStringList *names, int selected);
+    void onClickListItem(QListWidgetItem *item);
+    void OnTabItemClicked(int index);
+    void OnUpdateApp();
+    void on_closeBtn_clicked();
+    void on_pushButton_ok_clicked();
+    void on_pushButton_cancel_clicked();
+    void ShowSettingForm();
+    void CloseSettingFormDevices();
+    void onCheckBoxDisablePress(bool disabled);
+    void onCheckBoxDisableSlope(bool disabled);
+    void onCheckBoxDisableHotkey(bool disabled);
+    void onCheckBoxDisableTipMsg(bool disabled);
 
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
 private:
+    void setUpFrame();
+    void connectShell();
+    void watchDragAreas();
+    bool filterMousePress(QObject *watched, const QMouseEvent *event);
+    bool filterMouseMove(const QMouseEvent *event);
+    void filterMouseRelease(const QMouseEvent *event);
+    void fillPageList(const CTablet *tablet);
+    void addPageRow(const char *key, const char *fallback, bool hidden);
+    void selectFirstPage(const CTablet *tablet);
+    void showBattery(CTablet *tablet);
+    void showPage(int row);
+    void createSettingForm();
+    void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
     void onBatteryMsg(CTablet *tablet, int chargeState);
+    void noteLowBattery(CTablet *tablet, int chargeState);
     void RestoreTouchStrip(CTablet *tablet);
     void SwitchOtherTablets(int tabletId, bool eraser);
     void ToggleFineMode(int tabletId);
@@ -93,7 +132,12 @@ private:
     CTablet *m_CurrentTablet = nullptr;
     QString m_Language = QStringLiteral("English");
     QSystemTrayIcon *m_TrayIcon = nullptr;
-    QMenu *m_TrayMenu = nullptr;
+    TrayMenu *m_TrayMenu = nullptr;
+    BatteryWidget *m_BatteryWidget = nullptr;
+    SettingForm *m_SettingForm = nullptr;
+    QPoint m_DragOrigin;
+    QTime m_StartTime;
+    bool m_Dragging = false;
     JingXiMode *m_JingXiMode = nullptr;
     UsbListenThread *m_UsbListenThread = nullptr;
     // Unplugged tablets stay allocated: pages and queued messages may still point at them.
