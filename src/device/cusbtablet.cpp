@@ -1,5 +1,6 @@
 #include "cusbtablet.h"
 
+#include "caction.h"
 #include "cglobaldata.h"
 #include "devicethread.h"
 #include "hidrawstring.h"
@@ -324,6 +325,8 @@ void CUSBTablet::DelTablet()
         delete m_DeviceThread;
         m_DeviceThread = nullptr;
     }
+    if (m_Action)
+        m_Action->LeaveProximity();
     if (m_HidDevice) {
         hid_forget_path(m_HidDevice);
         hid_close(m_HidDevice);

@@ -598,6 +598,18 @@ void CAction::writePen(const TabletDataEX &data)
     input.UpdateDigit(data.penStatus, static_cast<uint16_t>(m_data.digitX),
                       static_cast<uint16_t>(m_data.digitY), m_data.pressure, m_data.tiltX,
                       m_data.tiltY, eraser);
+    m_penHeld = data.penStatus != 0 && data.penStatus != kStatusLeave;
+    m_penHeldAsEraser = eraser;
+}
+
+void CAction::LeaveProximity()
+{
+    if (!m_penHeld)
+        return;
+    m_penHeld = false;
+    CGlobalData::MyInputDriver.UpdateDigit(kStatusLeave, static_cast<uint16_t>(m_data.digitX),
+                                           static_cast<uint16_t>(m_data.digitY), 0, 0, 0,
+                                           m_penHeldAsEraser);
 }
 
 void CAction::ParseKeyData(TabletDataEX &data, stTablet_XMLData *settings)

@@ -1,7 +1,8 @@
 #!/bin/bash
 # e2e_pen_unplug: one boot with the catalogued 0x0B40 tablet. While the pen
-# moves, the tablet is unplugged: no event may follow on "NORVA Pen" once the
-# reports already in the guest are through, and the driver must keep running,
+# moves, the tablet is unplugged: once the reports already in the guest are
+# through, "NORVA Pen" gets one frame that lifts the pen and then nothing more,
+# and the driver must keep running,
 # answer on its event loop and end within a few seconds of SIGTERM.
 #   test_pen_unplug.sh SCRIBORA_BINARY BUILD_DIR
 set -u

@@ -381,6 +381,23 @@ TEST_F(PenMapping, TouchAndLeaveFramesOnThePenDevice)
     EXPECT_TRUE(logs().empty());
 }
 
+TEST_F(PenMapping, LeaveProximityLiftsOnlyAPenStillHeld)
+{
+    m_action.LeaveProximity();
+    EXPECT_EQ(bytes(kPenNode), "") << "nothing was in range";
+    feed(kTouch, 5000, 4000, 1024, 3, -4);
+    m_action.LeaveProximity();
+    m_action.LeaveProximity();
+    EXPECT_EQ(lastEvents(kPenNode, 8), penFrame(BTN_TOOL_PEN, false, 39243, 14800, 0, 0, 0));
+    EXPECT_EQ(events(kPenNode).size(), 16u) << "one lift, however often asked";
+    pen().PenBtn[0].id = 0;
+    feed(kEraserTouch, 5000, 4000, 1024);
+    feed(kLeave, 5000, 4000);
+    const size_t written = events(kEraserNode).size();
+    m_action.LeaveProximity();
+    EXPECT_EQ(events(kEraserNode).size(), written) << "the eraser had already left";
+}
+
 TEST_F(PenMapping, EraserEndRules)
 {
     struct Case {
