@@ -11,43 +11,6 @@
 namespace
 {
 
-struct LocaleCase {
-    const char *locale;
-    const char *language;
-};
-
-class UserLanguage : public ::testing::TestWithParam<LocaleCase>
-{
-protected:
-    void TearDown() override { QLocale::setDefault(m_saved); }
-
-private:
-    QLocale m_saved;
-};
-
-TEST_P(UserLanguage, FollowsTheLocale)
-{
-    QLocale::setDefault(QLocale(QLatin1String(GetParam().locale)));
-    EXPECT_EQ(mylinux::get_user_language_setting(), QLatin1String(GetParam().language));
-}
-
-// Qt has no Chinese locale in a third script, so only the two Han scripts are reachable.
-INSTANTIATE_TEST_SUITE_P(
-    Locales, UserLanguage,
-    ::testing::Values(
-        LocaleCase{"zh_CN", "ChineseSimplified"}, LocaleCase{"zh_SG", "ChineseSimplified"},
-        LocaleCase{"zh_TW", "ChineseTraditional"}, LocaleCase{"zh_HK", "ChineseTraditional"},
-        LocaleCase{"en_GB", "English"}, LocaleCase{"de_DE", "German"},
-        LocaleCase{"fr_CA", "French"}, LocaleCase{"ja_JP", "Japanese"},
-        LocaleCase{"ko_KR", "Korean"}, LocaleCase{"ru_RU", "Russian"},
-        LocaleCase{"es_MX", "Spanish"}, LocaleCase{"it_IT", "Italian"}, LocaleCase{"th_TH", "Thai"},
-        LocaleCase{"pt_BR", "Portuguese"}, LocaleCase{"vi_VN", "Vietnamese"},
-        LocaleCase{"pl_PL", "Polish"}, LocaleCase{"tr_TR", "Turkish"},
-        LocaleCase{"nl_NL", "English"}, LocaleCase{"sv_SE", "English"}, LocaleCase{"C", "English"}),
-    [](const ::testing::TestParamInfo<LocaleCase> &info) {
-        return std::string(info.param.locale);
-    });
-
 QStringList g_debugLines;
 
 void collectDebug(QtMsgType type, const QMessageLogContext &, const QString &msg)
