@@ -44,6 +44,7 @@ constexpr unsigned long kListenerStopWaitMs = 1000;
 // Presses below the head strip do not drag the window.
 constexpr int kDragStripHeight = 80;
 constexpr int kGroupKeyPage = 5;
+constexpr int kMaxApplications = 8;
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
@@ -344,6 +345,7 @@ void MainWindow::InitUI(const QString &deviceName)
     m_CurrentTablet = tablet;
     tablet->m_DefaultMappingPending = false;
     tablet->m_SendMultiData = ui->tabWidget->currentIndex() == 1;
+    enableApplicationButtons(tablet);
     fillPageList(tablet);
     if (!m_BatteryWidget) {
         m_BatteryWidget = new BatteryWidget(ui->listWidget_left);
@@ -351,6 +353,14 @@ void MainWindow::InitUI(const QString &deviceName)
     }
     selectFirstPage(tablet);
     showBattery(tablet);
+}
+
+// A profile keeps at least one and at most eight applications.
+void MainWindow::enableApplicationButtons(const CTablet *tablet)
+{
+    const int count = tablet->m_AppConfigs.size();
+    ui->pushButton_delete->setEnabled(count != 1);
+    ui->pushButton_add->setEnabled(count != kMaxApplications);
 }
 
 void MainWindow::fillPageList(const CTablet *tablet)
@@ -420,6 +430,8 @@ void MainWindow::onSelectTabletDevice(QString deviceName, int index)
     m_CurrentTablet = CGlobalData::TabletMap.value(deviceName, nullptr);
     if (ui->widget_device->count() >= 1)
         InitUI(deviceName);
+    if (m_CurrentTablet && m_CurrentTablet->m_AppConfigs.size() == 1)
+        ui->pushButton_delete->setEnabled(false);
     CloseJingxiMode();
 }
 

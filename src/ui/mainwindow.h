@@ -103,6 +103,7 @@ private:
     bool filterMousePress(QObject *watched, const QMouseEvent *event);
     bool filterMouseMove(const QMouseEvent *event);
     void filterMouseRelease(const QMouseEvent *event);
+    void enableApplicationButtons(const CTablet *tablet);
     void fillPageList(const CTablet *tablet);
     void addPageRow(const char *key, const char *fallback, bool hidden);
     void selectFirstPage(const CTablet *tablet);

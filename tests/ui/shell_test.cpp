@@ -79,13 +79,13 @@ const PageRows kPageRows[] = {
      5},
 };
 
-QString sectionWith(const QString &model, const QString &deviceInfo)
+QString sectionWith(const QString &model, const QString &deviceInfo, const QString &apps = {})
 {
     return QString("<%1><DeviceInfo>%2</DeviceInfo><Common><ScreenMapping id=\"0\"><SX>0</SX>"
                    "<SY>0</SY><SW>0</SW><SH>0</SH></ScreenMapping><TabletPannel "
                    "Orientation=\"0\"><TX>0</TX><TY>0</TY><TW>0</TW><TH>0</TH></TabletPannel></"
-                   "Common><CommonAPP/><Apps/></%1>")
-        .arg(model, deviceInfo);
+                   "Common><CommonAPP/><Apps>%3</Apps></%1>")
+        .arg(model, deviceInfo, apps);
 }
 
 class Shell : public DeviceFixture
@@ -176,6 +176,28 @@ TEST_F(Shell, GroupKeyDeviceStaysOnTheKeypadPageWhicheverRowIsClicked)
     for (int row = 0; row < m_List->count(); ++row) {
         emit m_List->itemClicked(m_List->item(row));
         EXPECT_EQ(m_Pages->currentIndex(), 5) << "row " << row;
+    }
+}
+
+TEST_F(Shell, ApplicationButtonsKeepOneToEightApplications)
+{
+    const struct {
+        int apps;
+        bool canDelete;
+        bool canAdd;
+    } cases[] = {{1, false, true}, {2, true, true}, {8, true, false}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.apps);
+        QString apps;
+        for (int i = 0; i < c.apps; ++i)
+            apps += QString("<app><path>/usr/bin/app%1</path></app>").arg(i);
+        writeConfig(sectionWith("QTB0610", "<DeviceKeyNum>4</DeviceKeyNum>", apps));
+        m_Window.reset();
+        fakeusb::reset();
+        m_Window = std::make_unique<MainWindow>();
+        plug("tab" + std::to_string(c.apps), 0x0B40, static_cast<uint8_t>(c.apps));
+        EXPECT_EQ(m_Window->findChild<QWidget *>("pushButton_delete")->isEnabled(), c.canDelete);
+        EXPECT_EQ(m_Window->findChild<QWidget *>("pushButton_add")->isEnabled(), c.canAdd);
     }
 }
 
