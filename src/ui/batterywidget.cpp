@@ -24,9 +24,7 @@ int barRow(int value)
 BatteryWidget::BatteryWidget(QWidget *parent) : QWidget(parent), ui(new Ui::BatteryWidget)
 {
     ui->setupUi(this);
-    const QString title = languageText("Common.battery");
-    if (!title.isEmpty())
-        ui->LabelBatteryShow->setText(title);
+    setLanguageText(ui->LabelBatteryShow, "Common.battery");
 }
 
 BatteryWidget::~BatteryWidget()
