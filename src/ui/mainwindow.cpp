@@ -34,6 +34,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <initializer_list>
 #include <iterator>
 
 namespace
@@ -100,10 +101,9 @@ void MainWindow::connectShell()
 
 void MainWindow::watchDragAreas()
 {
-    for (QObject *area :
-         {static_cast<QObject *>(ui->logo), static_cast<QObject *>(ui->groupBox_head),
-          static_cast<QObject *>(ui->label_bg), static_cast<QObject *>(ui->widget_device),
-          static_cast<QObject *>(ui->DisConnectLabel)})
+    const std::initializer_list<QWidget *> areas = {ui->logo, ui->groupBox_head, ui->label_bg,
+                                                    ui->widget_device, ui->DisConnectLabel};
+    for (QWidget *area : areas)
         area->installEventFilter(this);
 }
 
