@@ -352,7 +352,31 @@ void MainWindow::InitUI(const QString &deviceName)
         ui->listWidget_left->setFocusPolicy(Qt::NoFocus);
     }
     selectFirstPage(tablet);
+    showModelPictures(tablet);
     showBattery(tablet);
+}
+
+// Pen, key strip and wheel as the model looks in its orientation; a pen page with several
+// pens shows the pen in use once the pen page picks it.
+void MainWindow::showModelPictures(const CTablet *tablet)
+{
+    const stTablet_XMLData &settings = *tablet->m_TabletXMLData;
+    const QString model = QString::fromUtf8(tablet->m_DeviceAttributes.ModelName);
+    if (!settings.SupportGroupKeys && settings.DevicePenNum == 1)
+        showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(settings.DevicePenType)),
+                  ui->label_penbg);
+    showImage(QPixmap(QString(":/image/tablet/%1_K%2.png").arg(model).arg(settings.Orientation)),
+              ui->label_keyimage);
+    if (settings.DeviceRingNum >= 1)
+        showImage(QPixmap(QString(":/image/tablet/%1_R.png").arg(model)), ui->label_ringimage);
+}
+
+// A missing picture leaves the label as it was.
+void MainWindow::showImage(QPixmap pixmap, QLabel *label)
+{
+    if (pixmap.isNull())
+        return;
+    label->setPixmap(pixmap.scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }
 
 // A profile keeps at least one and at most eight applications.

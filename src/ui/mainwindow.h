@@ -16,7 +16,9 @@ class MainWindow;
 class BatteryWidget;
 class CTablet;
 class JingXiMode;
+class QLabel;
 class QListWidgetItem;
+class QPixmap;
 class QRect;
 class SettingForm;
 class TrayMenu;
@@ -82,6 +84,7 @@ public slots:
     void on_closeBtn_clicked();
     void on_pushButton_ok_clicked();
     void on_pushButton_cancel_clicked();
+    void showImage(QPixmap pixmap, QLabel *label);
     void ShowSettingForm();
     void CloseSettingFormDevices();
     void onCheckBoxDisablePress(bool disabled);
@@ -107,6 +110,7 @@ private:
     void fillPageList(const CTablet *tablet);
     void addPageRow(const char *key, const char *fallback, bool hidden);
     void selectFirstPage(const CTablet *tablet);
+    void showModelPictures(const CTablet *tablet);
     void showBattery(CTablet *tablet);
     void showPage(int row);
     void createSettingForm();

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QResource>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -331,6 +332,31 @@ TEST_F(Shell, SettingFormSwitchesStoreTheirFlagInTheShownProfile)
         form->findChild<QCheckBox *>(entry.box)->click();
         EXPECT_EQ(entry.flag, 1) << entry.box;
     }
+}
+
+TEST_F(Shell, PagesShowThePicturesOfTheModel)
+{
+    ASSERT_TRUE(QResource::registerResource(RESOURCE_FILE));
+    writeConfig(sectionWith("QTB0860", "<DeviceKeyNum>8</DeviceKeyNum><DeviceRingNum>1"
+                                       "</DeviceRingNum><DevicePenType>2</DevicePenType>"
+                                       "<DevicePenNum>1</DevicePenNum>"));
+    plug("tab", 0x0B44, 1);
+    const struct {
+        const char *label;
+        const char *picture;
+    } pages[] = {{"label_penbg", ":/image/Res/pen2.png"},
+                 {"label_keyimage", ":/image/tablet/QTB0860_K0.png"},
+                 {"label_ringimage", ":/image/tablet/QTB0860_R.png"}};
+    for (const auto &page : pages) {
+        auto *label = m_Window->findChild<QLabel *>(page.label);
+        const QImage expected =
+            QPixmap(page.picture)
+                .scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                .toImage();
+        ASSERT_FALSE(expected.isNull()) << page.picture;
+        EXPECT_EQ(label->pixmap(Qt::ReturnByValue).toImage(), expected) << page.label;
+    }
+    QResource::unregisterResource(RESOURCE_FILE);
 }
 
 struct BatteryBar {
