@@ -110,3 +110,36 @@ e2e_show_app_log() {
     echo "e2e: scribora output ($(wc -l < "$f") lines, last 40):"
     tail -n 40 "$f" | sed 's/^/  scribora: /'
 }
+
+# e2e_guest_verdict WHAT : PASS/FAIL line for the guest command of the last
+# run; E2E_FAILED becomes 1 when it failed.
+e2e_guest_verdict() {
+    E2E_FAILED=0
+    if [ "$E2E_RC" = 0 ]; then
+        echo "PASS: guest scenario ($1)"
+    else
+        echo "FAIL: guest scenario exit status $E2E_RC"
+        E2E_FAILED=1
+    fi
+}
+
+# e2e_check_run [check_events.py options] : e2e_check; a failure, or a run
+# without events.jsonl, sets E2E_FAILED.
+e2e_check_run() {
+    if [ ! -f "$E2E_RUN_DIR/events.jsonl" ]; then
+        echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
+        E2E_FAILED=1
+        return 1
+    fi
+    e2e_check "$@" || E2E_FAILED=1
+}
+
+# e2e_finish NAME : the verdict line of the test; exits with E2E_FAILED.
+e2e_finish() {
+    if [ "$E2E_FAILED" = 0 ]; then
+        echo "$1: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
+    else
+        echo "$1: FAIL (logs in $E2E_RUN_DIR)"
+    fi
+    exit "$E2E_FAILED"
+}

@@ -12,15 +12,6 @@ wait_s="${E2E_START_TIMEOUT:-120}"
 
 hotplug_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/hotplug_probe.py" "$@"; }
 
-alive() {
-    if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
-        echo "PASS: scribora still runs $1"
-    else
-        echo "FAIL: scribora ended $1"
-        return 1
-    fi
-}
-
 scribora_install_conf "$build" || exit 1
 scribora_start "$bin" || exit 1
 
@@ -31,11 +22,11 @@ if PEN_NODE="$(pen_probe node "NORVA Pen" "$wait_s")"; then
     hotplug_probe 1 "$PEN_NODE" "$E2E_OUT/hotplug-1.events" || status=1
     # the removal reaches the driver about 0.4 s after the unplug
     sleep 3
-    alive "after the unplug" || status=1
+    scribora_alive "after the unplug" || status=1
     pen_probe ping-app 10 || status=1
     hotplug_probe 2 "$PEN_NODE" "$E2E_OUT/hotplug-2.events" || status=1
     sleep 3
-    alive "after the second unplug" || status=1
+    scribora_alive "after the second unplug" || status=1
 else
     guest_log "no \"NORVA Pen\" input device"
     status=1

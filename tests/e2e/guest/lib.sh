@@ -27,6 +27,22 @@ scribora_install_conf() {
     guest_log "configuration folder $SCRIBORA_CONF_DIR: $(cd "$SCRIBORA_CONF_DIR" && echo *)"
 }
 
+# scribora_set_work_area MODEL TX TY TW TH : gives the model's section of the
+# installed config.xml this work area (hundredths of an inch), as if saved.
+scribora_set_work_area() {
+    /usr/bin/python3 - "$SCRIBORA_CONF_DIR/config.xml" "$@" <<'PY' || return 1
+import sys
+import xml.etree.ElementTree as ET
+path, model, values = sys.argv[1], sys.argv[2], sys.argv[3:]
+tree = ET.parse(path)
+panel = tree.getroot().find(model + "/Common/TabletPannel")
+for name, value in zip(("TX", "TY", "TW", "TH"), values):
+    panel.find(name).text = value
+tree.write(path, encoding="UTF-8", xml_declaration=True)
+PY
+    guest_log "work area of $1 in config.xml: TX $2 TY $3 TW $4 TH $5"
+}
+
 # scribora_start BINARY [ARGS...] : starts the driver in the background.
 # Its output goes to $E2E_OUT/scribora.log; the marks let the host-side checks
 # look only at what happened while it ran.
@@ -77,6 +93,16 @@ scribora_stop() {
         "after ${SCRIBORA_STOP_SECONDS}s"
     SCRIBORA_PID=""
     [ "$alive" = 1 ]
+}
+
+# scribora_alive WHEN : PASS/FAIL line on whether the driver still runs.
+scribora_alive() {
+    if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
+        echo "PASS: scribora still runs $1"
+    else
+        echo "FAIL: scribora ended $1"
+        return 1
+    fi
 }
 
 # pen_probe ARGS... : the evdev and control-channel probe of the pen tests.

@@ -120,6 +120,10 @@ UNPLUG_SETTLE_S, UNPLUG_QUIET_S = 1.0, 4.0
 # The pen was down when its tablet went: tool and touch up, pressure 0, in the order written.
 UNPLUG_LEAVE = [key(BTN_TOOL_PEN, 0), abs_(ABS_PRESSURE, 0), key(BTN_TOUCH, 0)]
 FRAME_TIMEOUT_S = 10.0
+PLUG_TIMEOUT_S = 60
+DOWN_PRESSURE, MOVE_PRESSURE = 1000, 2000
+# Start packet of report mode 4; "02b002" is the release packet of a close.
+START_PACKET = "02b004"
 
 
 def describe(frame):
@@ -239,8 +243,8 @@ def find_node(name, timeout):
     return None
 
 
-def send(channel, report):
-    channel.ok(["send", DEVICE, IFACE, report])
+def send(channel, report, device=DEVICE):
+    channel.ok(["send", device, IFACE, report])
 
 
 def check_frame(res, what, got, want):
@@ -248,14 +252,54 @@ def check_frame(res, what, got, want):
         what, describe(got), "" if got == want else " (want %s)" % describe(want)))
 
 
+def play(res, channel, pen, steps, prefix="", device=DEVICE):
+    """Sends each (what, report, frame) step and checks the frame it gives."""
+    for what, report, want in steps:
+        send(channel, report, device)
+        check_frame(res, prefix + what, pen.next_frame(FRAME_TIMEOUT_S), want)
+
+
+def short_stroke(a, b, mapped=lambda x, y: (x, y)):
+    """Hover at a, tip down, move to b, tip up, leave. mapped gives where a
+    report's position comes out; the frame before must differ from mapped(a)
+    in x and y, so that every expected frame is complete."""
+    (ax, ay), (bx, by) = a, b
+    (max_, may), (mbx, mby) = mapped(ax, ay), mapped(bx, by)
+    return [
+        ("hover enters", pen_report(PEN, ax, ay),
+         [key(BTN_TOOL_PEN, 1), abs_(ABS_X, max_), abs_(ABS_Y, may)]),
+        ("tip down", pen_report(PEN, ax, ay, DOWN_PRESSURE),
+         [abs_(ABS_PRESSURE, DOWN_PRESSURE), key(BTN_TOUCH, 1)]),
+        ("move", pen_report(PEN, bx, by, MOVE_PRESSURE),
+         [abs_(ABS_X, mbx), abs_(ABS_Y, mby), abs_(ABS_PRESSURE, MOVE_PRESSURE)]),
+        ("tip up", pen_report(PEN, bx, by),
+         [abs_(ABS_PRESSURE, 0), key(BTN_TOUCH, 0)]),
+        ("pen leaves", pen_report(LEAVE, bx, by), [key(BTN_TOOL_PEN, 0)]),
+    ]
+
+
+def plug_in(res, channel, device, what, timeout=PLUG_TIMEOUT_S):
+    """Plugs the device in and waits for the driver's start packet to it."""
+    # only a start packet of this attachment counts
+    channel.ok(["skip-outs", device])
+    reply = channel.request(["connect", device, str(timeout)])
+    res.check(reply.startswith("ok"), "%s: %s plugged in (%s)" % (what, device, reply))
+    return started(res, channel, device, what, timeout)
+
+
+def started(res, channel, device, what, timeout=PLUG_TIMEOUT_S):
+    """Waits for the driver's next start packet to the device."""
+    reply = channel.request(["wait-out", device, str(timeout), START_PACKET])
+    return res.check(reply.startswith("ok"), "%s: the driver opened %s and sent its start "
+                     "packet (%s)" % (what, device, reply))
+
+
 def run_stroke(node, log_path):
     res = Results()
     pen = PenNode(node, log_path)
     channel = Channel()
     try:
-        for what, report, expected in STROKE:
-            send(channel, report)
-            check_frame(res, what, pen.next_frame(FRAME_TIMEOUT_S), expected)
+        play(res, channel, pen, STROKE)
         extra = pen.next_frame(1.5)
         res.check(extra is None, "nothing more from the pen path after the stroke%s"
                   % ("" if extra is None else " (got %s)" % describe(extra)))
