@@ -356,8 +356,7 @@ void MainWindow::InitUI(const QString &deviceName)
     showBattery(tablet);
 }
 
-// Pen, key strip and wheel as the model looks in its orientation; a pen page with several
-// pens shows the pen in use once the pen page picks it.
+// Pen, key strip and wheel as the model looks in its orientation.
 void MainWindow::showModelPictures(const CTablet *tablet)
 {
     const stTablet_XMLData &settings = *tablet->m_TabletXMLData;
@@ -365,10 +364,24 @@ void MainWindow::showModelPictures(const CTablet *tablet)
     if (!settings.SupportGroupKeys && settings.DevicePenNum == 1)
         showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(settings.DevicePenType)),
                   ui->label_penbg);
+    else
+        UpdatePenPicture();
     showImage(QPixmap(QString(":/image/tablet/%1_K%2.png").arg(model).arg(settings.Orientation)),
               ui->label_keyimage);
     if (settings.DeviceRingNum >= 1)
         showImage(QPixmap(QString(":/image/tablet/%1_R.png").arg(model)), ui->label_ringimage);
+}
+
+// With several pens the page shows the one last seen on the tablet, by its number.
+void MainWindow::UpdatePenPicture()
+{
+    if (!m_CurrentTablet)
+        return;
+    const stTablet_XMLData &settings = *m_CurrentTablet->m_TabletXMLData;
+    if (settings.SupportGroupKeys || settings.DevicePenNum == 1 || settings.DeviceCurPenID < 0)
+        return;
+    showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(settings.DeviceCurPenID + 1)),
+              ui->label_penbg);
 }
 
 // A missing picture leaves the label as it was.
@@ -789,6 +802,10 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
         break;
     case 88:
         onBatteryMsg(tablet, msgData);
+        break;
+    case 89:
+        if (tablet == m_CurrentTablet)
+            UpdatePenPicture();
         break;
     case 100:
         RestoreTouchStrip(tablet);

@@ -85,6 +85,7 @@ public slots:
     void on_pushButton_ok_clicked();
     void on_pushButton_cancel_clicked();
     void showImage(QPixmap pixmap, QLabel *label);
+    void UpdatePenPicture();
     void ShowSettingForm();
     void CloseSettingFormDevices();
     void onCheckBoxDisablePress(bool disabled);

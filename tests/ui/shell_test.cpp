@@ -359,6 +359,32 @@ TEST_F(Shell, PagesShowThePicturesOfTheModel)
     QResource::unregisterResource(RESOURCE_FILE);
 }
 
+TEST_F(Shell, PenChangeShowsThePenNowOnTheTablet)
+{
+    ASSERT_TRUE(QResource::registerResource(RESOURCE_FILE));
+    writeConfig(sectionWith("QTB0610", "<DeviceKeyNum>4</DeviceKeyNum><DevicePenNum>3"
+                                       "</DevicePenNum><DeviceCurPenID>0</DeviceCurPenID>") +
+                sectionWith("QTB0860", "<DeviceKeyNum>8</DeviceKeyNum><DevicePenNum>3"
+                                       "</DevicePenNum><DeviceCurPenID>0</DeviceCurPenID>"));
+    plug("shown", 0x0B40, 1);
+    plug("other", 0x0B44, 2);
+    auto *label = m_Window->findChild<QLabel *>("label_penbg");
+    const auto shows = [label](int number) {
+        return label->pixmap(Qt::ReturnByValue).toImage() ==
+               QPixmap(QString(":/image/Res/pen%1.png").arg(number))
+                   .scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                   .toImage();
+    };
+    EXPECT_TRUE(shows(1));
+    CGlobalData::TabletArray[1]->m_TabletXMLData->DeviceCurPenID = 1;
+    m_Window->ReceivActionMsg(1, 89, 1);
+    EXPECT_TRUE(shows(1)) << "a tablet not shown leaves the page alone";
+    CGlobalData::TabletArray[0]->m_TabletXMLData->DeviceCurPenID = 2;
+    m_Window->ReceivActionMsg(0, 89, 2);
+    EXPECT_TRUE(shows(3));
+    QResource::unregisterResource(RESOURCE_FILE);
+}
+
 struct BatteryBar {
     int value;
     int stored;
