@@ -28,29 +28,13 @@ e2e_run device-session \
     -- bash "$E2E_GUEST/device-session.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
 
 e2e_show_app_log
-failed=0
-if [ "$E2E_RC" = 0 ]; then
-    echo "PASS: guest scenario (driver started, start packet seen, driver stopped)"
-else
-    echo "FAIL: guest scenario exit status $E2E_RC"
-    failed=1
-fi
-if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
-    e2e_check --window scribora-start scribora-stop \
-        --string-read tab1 100 \
-        --out tab1 "02 b0 04 00 00 00 00 00 00 00" \
-        --enumerated tab9 \
-        --no-string-read tab9 100 \
-        --no-out tab9 2 \
-        --not-opened tab9 2 \
-        --app-clean scribora || failed=1
-else
-    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
-    failed=1
-fi
-if [ "$failed" = 0 ]; then
-    echo "e2e_device_session: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
-else
-    echo "e2e_device_session: FAIL (logs in $E2E_RUN_DIR)"
-fi
-exit "$failed"
+e2e_guest_verdict "driver started, start packet seen, driver stopped"
+e2e_check_run --window scribora-start scribora-stop \
+    --string-read tab1 100 \
+    --out tab1 "02 b0 04 00 00 00 00 00 00 00" \
+    --enumerated tab9 \
+    --no-string-read tab9 100 \
+    --no-out tab9 2 \
+    --not-opened tab9 2 \
+    --app-clean scribora
+e2e_finish e2e_device_session

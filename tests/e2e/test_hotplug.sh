@@ -13,13 +13,7 @@ e2e_run hotplug \
     -- bash "$E2E_GUEST/hotplug.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
 
 e2e_show_app_log
-failed=0
-if [ "$E2E_RC" = 0 ]; then
-    echo "PASS: guest scenario (plug in, stroke, unplug, twice; driver alive throughout)"
-else
-    echo "FAIL: guest scenario exit status $E2E_RC"
-    failed=1
-fi
+e2e_guest_verdict "plug in, stroke, unplug, twice; driver alive throughout"
 log="$E2E_RUN_DIR/out/scribora.log"
 for state in 1 2; do
     count=$(grep -c "ReceiveUsbMsg Vid: 23100 Pid: 2880 state $state" "$log" 2>/dev/null)
@@ -28,20 +22,10 @@ for state in 1 2; do
         echo "PASS: the driver took both hot-plug events of state $state"
     else
         echo "FAIL: the driver logged ${count:-0} hot-plug lines of state $state, want 4"
-        failed=1
+        E2E_FAILED=1
     fi
 done
-if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
-    e2e_check --window scribora-start scribora-stop \
-        --app-clean scribora \
-        --stopped-within scribora 5 || failed=1
-else
-    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
-    failed=1
-fi
-if [ "$failed" = 0 ]; then
-    echo "e2e_hotplug: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
-else
-    echo "e2e_hotplug: FAIL (logs in $E2E_RUN_DIR)"
-fi
-exit "$failed"
+e2e_check_run --window scribora-start scribora-stop \
+    --app-clean scribora \
+    --stopped-within scribora 5
+e2e_finish e2e_hotplug

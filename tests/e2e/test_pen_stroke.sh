@@ -15,22 +15,6 @@ e2e_run pen-stroke \
     -- bash "$E2E_GUEST/pen-stroke.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
 
 e2e_show_app_log
-failed=0
-if [ "$E2E_RC" = 0 ]; then
-    echo "PASS: guest scenario (stroke frames, libinput tablet tool, driver stopped)"
-else
-    echo "FAIL: guest scenario exit status $E2E_RC"
-    failed=1
-fi
-if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
-    e2e_check --window scribora-start scribora-stop --app-clean scribora || failed=1
-else
-    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
-    failed=1
-fi
-if [ "$failed" = 0 ]; then
-    echo "e2e_pen_stroke: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
-else
-    echo "e2e_pen_stroke: FAIL (logs in $E2E_RUN_DIR)"
-fi
-exit "$failed"
+e2e_guest_verdict "stroke frames, libinput tablet tool, driver stopped"
+e2e_check_run --window scribora-start scribora-stop --app-clean scribora
+e2e_finish e2e_pen_stroke

@@ -15,24 +15,8 @@ e2e_run pen-unplug \
     -- bash "$E2E_GUEST/pen-unplug.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
 
 e2e_show_app_log
-failed=0
-if [ "$E2E_RC" = 0 ]; then
-    echo "PASS: guest scenario (unplug mid-stream, driver alive and answering, stopped)"
-else
-    echo "FAIL: guest scenario exit status $E2E_RC"
-    failed=1
-fi
-if [ -f "$E2E_RUN_DIR/events.jsonl" ]; then
-    e2e_check --window scribora-start scribora-stop \
-        --app-clean scribora \
-        --stopped-within scribora 5 || failed=1
-else
-    echo "FAIL: no events.jsonl in $E2E_RUN_DIR"
-    failed=1
-fi
-if [ "$failed" = 0 ]; then
-    echo "e2e_pen_unplug: PASS (wall ${E2E_WALL}s, logs in $E2E_RUN_DIR)"
-else
-    echo "e2e_pen_unplug: FAIL (logs in $E2E_RUN_DIR)"
-fi
-exit "$failed"
+e2e_guest_verdict "unplug mid-stream, driver alive and answering, stopped"
+e2e_check_run --window scribora-start scribora-stop \
+    --app-clean scribora \
+    --stopped-within scribora 5
+e2e_finish e2e_pen_unplug
