@@ -206,28 +206,17 @@ TEST_F(Creation, InitOpensPenMouseEraserWriteOnlyAndNonBlocking)
     EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk, kOpenOk}));
 }
 
-TEST_F(Creation, ModernPenSetsUpAxesBitsAndIdentity)
+// Version 5 is the first modern one; the eraser has no wheel axis.
+TEST_F(Creation, ModernSetupSetsUpAxesBitsAndIdentity)
 {
+    fakeuinput::setVersion(5);
     m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->OpenAbsUinput(), 1);
-    EXPECT_EQ(calls(0), modernPenCalls());
-    EXPECT_EQ(bytes(0), "");
-}
-
-TEST_F(Creation, ModernMouseEnablesKeysUpTo256AndTheButtons)
-{
-    m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->OpenRelUinput(), 1);
-    EXPECT_EQ(calls(0), modernMouseCalls());
-    EXPECT_EQ(bytes(0), "");
-}
-
-TEST_F(Creation, ModernEraserHasNoWheelAxis)
-{
-    m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->OpenAbsEraserUinput(), 1);
-    EXPECT_EQ(calls(0), modernEraserCalls());
-    EXPECT_EQ(bytes(0), "");
+    EXPECT_EQ(m_input->Init(), 1);
+    EXPECT_EQ(calls(kPenNode), modernPenCalls());
+    EXPECT_EQ(calls(kMouseNode), modernMouseCalls());
+    EXPECT_EQ(calls(kEraserNode), modernEraserCalls());
+    for (int node = 0; node < 3; ++node)
+        EXPECT_EQ(bytes(node), "") << node;
 }
 
 TEST_F(Creation, ModernSetupNamesAreZeroPadded)
@@ -241,14 +230,6 @@ TEST_F(Creation, ModernSetupNamesAreZeroPadded)
         ASSERT_EQ(setup.request, UI_DEV_SETUP);
         EXPECT_EQ(std::string(setup.setup.name, sizeof setup.setup.name), paddedName(names[node]));
     }
-}
-
-TEST_F(Creation, VersionFiveIsTheFirstModernOne)
-{
-    fakeuinput::setVersion(5);
-    m_input = std::make_unique<MyInput>();
-    m_input->OpenAbsUinput();
-    EXPECT_EQ(calls(0), modernPenCalls());
 }
 
 TEST_F(Creation, OldPenWritesItsRecordThenCreates)
@@ -345,6 +326,15 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     EXPECT_TRUE(fakeuinput::callOrder().empty());
 }
 
+TEST_F(Creation, SingleOpenFailuresReturnZero)
+{
+    fakeuinput::setOpenFailures(0b111);
+    m_input = std::make_unique<MyInput>();
+    EXPECT_EQ(m_input->OpenAbsUinput(), 0);
+    EXPECT_EQ(m_input->OpenRelUinput(), 0);
+    EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
+}
+
 TEST_F(Creation, PenOpenFailureIsSilentAndOtherDevicesStillOpen)
 {
     fakeuinput::setOpenFailures(0b001);
@@ -355,15 +345,6 @@ TEST_F(Creation, PenOpenFailureIsSilentAndOtherDevicesStillOpen)
     EXPECT_EQ(calls(kMouseNode), modernMouseCalls());
     EXPECT_EQ(calls(kEraserNode), modernEraserCalls());
     EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk}));
-}
-
-TEST_F(Creation, SingleOpenFailuresReturnZero)
-{
-    fakeuinput::setOpenFailures(0b111);
-    m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->OpenAbsUinput(), 0);
-    EXPECT_EQ(m_input->OpenRelUinput(), 0);
-    EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
 }
 
 TEST_F(Creation, CloseDestroysAndClosesInOrderOnce)

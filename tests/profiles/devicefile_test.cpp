@@ -46,30 +46,21 @@ std::unique_ptr<_stAppConfigNode> editedNode()
     return node;
 }
 
-// editedNode() as the device gives it back, worked out from the format.
+// editedNode() as the device gives it back, worked out from the format: no path, the first
+// eleven keys, text only for ids above 0, the first wheel's items without its id.
 std::unique_ptr<_stAppConfigNode> expectedReadBack()
 {
-    auto node = emptyNode();
-    node->SelectID = 2;
-    node->KeyGroup[0].bEnable = 1;
-    node->KeyGroup[3].bEnable = 1;
-    for (int g = 0; g < kKeyGroupCount; ++g) {
-        for (int k = 0; k < 11; ++k) {
-            stKeyConfig &key = node->KeyGroup[g].Key[k];
-            key.id = static_cast<int16_t>(g * 20 + k + 1);
-            key.Show = k % 2;
-            key.Actid = static_cast<int16_t>(k + 100);
-            key.Motid = static_cast<int16_t>(g);
-            snprintf(key.func, sizeof key.func, "1|k%d.%d|<&>\"|\u4e2d", g, k);
-        }
-    }
-    node->KeyGroup[1].Key[4].id = 0;
+    auto node = editedNode();
+    memset(node->path, 0, sizeof node->path);
+    for (stKeyGroup &group : node->KeyGroup)
+        memset(&group.Key[11], 0, sizeof group.Key - 11 * sizeof group.Key[0]);
     memset(node->KeyGroup[1].Key[4].func, 0, kFuncSize);
-    node->KeyGroup[1].Key[5].id = -3;
     memset(node->KeyGroup[1].Key[5].func, 0, kFuncSize);
-    node->Ring[0].Item[0] = {"3|Zoom|1", 2};
-    node->Ring[0].Item[1] = {"", 1};
-    node->Ring[0].Item[3] = {"3|Zoom|2", 2};
+    node->Ring[0].id = 0;
+    memset(node->Ring[0].Item[1].func, 0, kFuncSize);
+    memset(&node->Ring[1], 0, sizeof node->Ring[1]);
+    memset(node->Pen, 0, sizeof node->Pen);
+    memset(node->Key, 0, sizeof node->Key);
     return node;
 }
 

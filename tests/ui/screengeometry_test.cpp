@@ -65,24 +65,14 @@ TEST(SortQRectRect, OrdersByLeftThenTop)
         SCOPED_TRACE(c.name);
         const int count = static_cast<int>(c.screens.size());
         const SortRun run = sortScreens(c.screens, count, false);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             EXPECT_EQ(run.dst[i + 1], c.sorted[i]) << "slot " << i + 1;
+            EXPECT_EQ(run.src[i + 1], c.sorted[i]) << "the source is sorted along";
+        }
         EXPECT_EQ(run.dst[count + 1], kSentinel) << "the slot after the last is not written";
+        EXPECT_EQ(run.src[0], kSentinel);
+        EXPECT_EQ(run.dst[0], kSentinel);
     }
-}
-
-TEST(SortQRectRect, SortsTheSourceAlong)
-{
-    const SortRun run = sortScreens(kOrderCases[0].screens, 3, false);
-    for (int i = 1; i <= 3; ++i)
-        EXPECT_EQ(run.src[i], run.dst[i]) << "slot " << i;
-}
-
-TEST(SortQRectRect, LeavesSlotZeroAlone)
-{
-    const SortRun run = sortScreens(kOrderCases[0].screens, 3, false);
-    EXPECT_EQ(run.src[0], kSentinel);
-    EXPECT_EQ(run.dst[0], kSentinel);
 }
 
 TEST(SortQRectRect, ZeroCountWritesNothing)
