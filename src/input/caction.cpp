@@ -587,7 +587,9 @@ void CAction::writePen(const TabletDataEX &data)
     if (pen.bRelativeCoords) {
         qDebug() << "Relative:" << m_data.relX << m_data.relY;
         const bool buttonUp = m_eraserEnd && !m_eraserReal;
-        input.UpdateRelMouse(buttonUp ? 0 : data.penStatus, m_data.relX, m_data.relY);
+        const uint8_t status = buttonUp ? 0 : data.penStatus;
+        input.UpdateRelMouse(status, m_data.relX, m_data.relY);
+        m_mouseButtonHeld = (status & 1) != 0;
         return;
     }
     bool eraser = m_penAsEraser;
@@ -604,6 +606,9 @@ void CAction::writePen(const TabletDataEX &data)
 
 void CAction::LeaveProximity()
 {
+    if (m_mouseButtonHeld)
+        CGlobalData::MyInputDriver.UpdateRelMouse(0, 0, 0);
+    m_mouseButtonHeld = false;
     if (!m_penHeld)
         return;
     m_penHeld = false;

@@ -69,7 +69,7 @@ public:
     void KeypadPreviewMode(bool pressed);
 
     // Lifts a pen that is still down or in range when its tablet goes away, so that no
-    // tool or touch stays held on the virtual pen. Call only once the reader has stopped.
+    // tool, touch or mouse button stays held. Call only once the reader has stopped.
     void LeaveProximity();
 
     // Opens the virtual devices when nothing else has; true when they are usable.
@@ -127,6 +127,7 @@ private:
     // What the virtual pen last got: set by an entering or moving frame, cleared by a leave.
     bool m_penHeld = false;
     bool m_penHeldAsEraser = false;
+    bool m_mouseButtonHeld = false;
     bool m_firstStroke = false;
     // Every key that changed in the last report; only the last one is dispatched.
     QVector<short> m_keysDown;

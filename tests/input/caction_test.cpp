@@ -398,6 +398,19 @@ TEST_F(PenMapping, LeaveProximityLiftsOnlyAPenStillHeld)
     EXPECT_EQ(events(kEraserNode).size(), written) << "the eraser had already left";
 }
 
+TEST_F(PenMapping, LeaveProximityReleasesAMouseModeButton)
+{
+    pen().bRelativeCoords = 1;
+    feed(kHover, 1000, 1000);
+    feed(kTouch, 1000, 1000, 300);
+    m_action.LeaveProximity();
+    m_action.LeaveProximity();
+    const std::vector<Ev> release = {
+        {EV_REL, REL_X, 0}, {EV_REL, REL_Y, 0}, {EV_KEY, BTN_LEFT, 0}, {EV_SYN, SYN_REPORT, 0}};
+    EXPECT_EQ(lastEvents(kMouseNode, 4), release);
+    EXPECT_EQ(events(kMouseNode).size(), 12u) << "hover, touch and one release";
+}
+
 TEST_F(PenMapping, EraserEndRules)
 {
     struct Case {
