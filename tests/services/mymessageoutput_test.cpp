@@ -70,7 +70,7 @@ TEST_F(LogFile, LineHoldsTimeLevelWordMessageAndContext)
          " Critical:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
         {QtFatalMsg, &full, " Fatal:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
         {QtInfoMsg, &full, " Info:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {static_cast<QtMsgType>(9), &full,
+        {static_cast<QtMsgType>(5), &full,
          " Message:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
         {QtDebugMsg, &none, " Debug:hi File:  Line:0  Action:\r\n"},
         {QtFatalMsg, &none, " Fatal:hi File:  Line:0  Action:\r\n"},
