@@ -5,16 +5,10 @@
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-bin="$1"
-build="$2"
-# Cold start over 9p under TCG takes seconds; this only bounds a hang.
-wait_s="${E2E_START_TIMEOUT:-120}"
-
-scribora_install_conf "$build" || exit 1
-scribora_start "$bin" || exit 1
+scribora_launch "$1" "$2" || exit 1
 
 status=0
-reply="$(emuctl wait-out tab1 "$wait_s" 02b0)" || status=1
+reply="$(emuctl wait-out tab1 "$E2E_WAIT_S" 02b0)" || status=1
 guest_log "wait-out tab1 02b0: ${reply:-no reply}"
 # Leave time for anything the driver would do to the other device right after.
 sleep "${E2E_SETTLE:-3}"

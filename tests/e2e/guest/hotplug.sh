@@ -6,17 +6,12 @@
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-bin="$1"
-build="$2"
-wait_s="${E2E_START_TIMEOUT:-120}"
-
 hotplug_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/hotplug_probe.py" "$@"; }
 
-scribora_install_conf "$build" || exit 1
-scribora_start "$bin" || exit 1
+scribora_launch "$1" "$2" || exit 1
 
 status=0
-if PEN_NODE="$(pen_probe node "NORVA Pen" "$wait_s")"; then
+if PEN_NODE="$(pen_probe node "NORVA Pen" "$E2E_WAIT_S")"; then
     # The hot-plug listener starts right after the virtual devices exist.
     sleep 2
     hotplug_probe 1 "$PEN_NODE" "$E2E_OUT/hotplug-1.events" || status=1

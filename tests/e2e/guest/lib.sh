@@ -43,6 +43,15 @@ PY
     guest_log "work area of $1 in config.xml: TX $2 TY $3 TW $4 TH $5"
 }
 
+# Cold starts over 9p under TCG take seconds; this only bounds a hang.
+E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
+
+# scribora_launch BINARY BUILD_DIR : installs the configuration, then starts
+# the driver.
+scribora_launch() {
+    scribora_install_conf "$2" && scribora_start "$1"
+}
+
 # scribora_start BINARY [ARGS...] : starts the driver in the background.
 # Its output goes to $E2E_OUT/scribora.log; the marks let the host-side checks
 # look only at what happened while it ran.

@@ -6,20 +6,14 @@
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-bin="$1"
-build="$2"
-# Cold starts over 9p under TCG take seconds; these only bound a hang.
-wait_s="${E2E_START_TIMEOUT:-120}"
-
-scribora_install_conf "$build" || exit 1
-scribora_start "$bin" || exit 1
+scribora_launch "$1" "$2" || exit 1
 
 status=0
-if pen_wait_ready "$wait_s"; then
+if pen_wait_ready "$E2E_WAIT_S"; then
     libinput_log="$E2E_OUT/libinput.log"
     stdbuf -oL -eL libinput debug-events --device "$PEN_NODE" > "$libinput_log" 2>&1 &
     libinput_pid=$!
-    for _ in $(seq $((wait_s * 10))); do
+    for _ in $(seq $((E2E_WAIT_S * 10))); do
         grep -q DEVICE_ADDED "$libinput_log" && break
         kill -0 "$libinput_pid" 2>/dev/null || break
         sleep 0.1

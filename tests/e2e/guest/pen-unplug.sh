@@ -6,15 +6,10 @@
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-bin="$1"
-build="$2"
-wait_s="${E2E_START_TIMEOUT:-120}"
-
-scribora_install_conf "$build" || exit 1
-scribora_start "$bin" || exit 1
+scribora_launch "$1" "$2" || exit 1
 
 status=0
-if pen_wait_ready "$wait_s"; then
+if pen_wait_ready "$E2E_WAIT_S"; then
     pen_probe unplug "$PEN_NODE" "$E2E_OUT/pen-unplug.events" || status=1
     if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
         echo "PASS: scribora still runs after the unplug"

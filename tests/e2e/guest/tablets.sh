@@ -9,7 +9,6 @@ set -u
 mode="$1"
 bin="$2"
 build="$3"
-wait_s="${E2E_START_TIMEOUT:-120}"
 
 tablets_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/tablets_probe.py" "$@"; }
 
@@ -21,7 +20,7 @@ fi
 scribora_start "$bin" || exit 1
 
 status=0
-if PEN_NODE="$(pen_probe node "NORVA Pen" "$wait_s")"; then
+if PEN_NODE="$(pen_probe node "NORVA Pen" "$E2E_WAIT_S")"; then
     # The hot-plug listener starts right after the virtual devices exist.
     sleep 2
     args=("$PEN_NODE" "$E2E_OUT/$mode.events")
