@@ -2,7 +2,7 @@
 
 #include "caction.h"
 #include "cglobaldata.h"
-#include "mylrc.h"
+#include "ctipsink.h"
 #include "textfield.h"
 #include "xmlhelp.h"
 

@@ -8,7 +8,6 @@
 #include "xmlhelp.h"
 
 #include <QDebug>
-#include <QMessageBox>
 #include <QMutexLocker>
 #include <QSettings>
 #include <algorithm>
@@ -26,15 +25,6 @@ constexpr int kStartReplyWaitMs = 100;
 constexpr uint8_t kDongleMarker = 0x40;
 constexpr uint8_t kLightCapability = 0x18;
 constexpr int kFirstDisplayProduct = 0x0A5A;
-
-void showRootRightsWarning()
-{
-    QMessageBox::warning(
-        nullptr, languageText("Common.warning", QStringLiteral("warning")),
-        languageText("Common.tips1",
-                     QStringLiteral("You need to use root permissions to run the driver.")),
-        QMessageBox::Ok);
-}
 
 template <size_t N>
 void copyWideString(char (&field)[N], int (*getter)(hid_device *, wchar_t *, size_t),
@@ -84,7 +74,7 @@ bool CUSBTablet::openDevice(const char *path)
     m_HidDevice = hid_open_path(path);
     if (!m_HidDevice) {
         qDebug() << "hid_open_path Failed!";
-        showRootRightsWarning();
+        emit OpenFailed();
         return false;
     }
     hid_remember_path(m_HidDevice, path);

@@ -30,6 +30,8 @@ public:
     DeviceThread *m_DeviceThread = nullptr;
 
 signals:
+    // The device node could not be opened, which in practice means missing rights.
+    void OpenFailed();
     void SendDeviceChangeMsg(unsigned short vid, unsigned short pid, short state, char *path);
 
 private:

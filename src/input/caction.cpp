@@ -1,10 +1,11 @@
 #include "caction.h"
 
-#include "cglobaldata.h"
+#include "cinputglobals.h"
 #include "deviceattributes.h"
 #include "localclock.h"
 #include "myinput.h"
-#include "mylrc.h"
+#include "ctipsink.h"
+#include "languagetexts.h"
 #include "tabletdata.h"
 
 #include <QDebug>
@@ -419,7 +420,7 @@ _MultiData CAction::ActionTabletData(TabletDataEX &data, _DEVICE_ATTRIBUTES &att
         ParseKeyData(data, settings);
     if (data.eventFlags & kEventWheel)
         ParseRingData(data, settings);
-    CGlobalData::LastTabletActionTime = LocalClock::currentTime();
+    CInputGlobals::LastTabletActionTime = LocalClock::currentTime();
     DoAction(data, settings);
     return m_data;
 }
@@ -510,9 +511,9 @@ void CAction::ParseRingData(TabletDataEX &data, stTablet_XMLData *)
 
 bool CAction::InitInput()
 {
-    if (CGlobalData::MyInputDriver.absFd() == 0)
-        CGlobalData::MyInputDriver.Init();
-    return CGlobalData::MyInputDriver.absFd() != 0;
+    if (CInputGlobals::MyInputDriver.absFd() == 0)
+        CInputGlobals::MyInputDriver.Init();
+    return CInputGlobals::MyInputDriver.absFd() != 0;
 }
 
 // The pen id of a report has three bits; the mask keeps any other value on the eight records.
@@ -557,7 +558,7 @@ bool CAction::mapToScreen(uint64_t x, uint64_t y, uint64_t axisW, uint64_t axisH
 {
     if (settings.ScreenId < 0 || settings.ScreenId >= kScreenSlots)
         return false;
-    if (CGlobalData::ScreenArray[settings.ScreenId].width() == 0)
+    if (CInputGlobals::ScreenArray[settings.ScreenId].width() == 0)
         return false;
     const QRect target = targetRect(settings);
     const float fx = static_cast<float>(int64_t{target.width()} * static_cast<int64_t>(x)) /
@@ -566,7 +567,7 @@ bool CAction::mapToScreen(uint64_t x, uint64_t y, uint64_t axisW, uint64_t axisH
     const float fy = static_cast<float>(int64_t{target.height()} * static_cast<int64_t>(y)) /
                          static_cast<float>(axisH) +
                      target.top();
-    const QRect &desktop = CGlobalData::ScreenArray[0];
+    const QRect &desktop = CInputGlobals::ScreenArray[0];
     m_data.digitX = static_cast<int64_t>((fx - desktop.left()) * double(kAbsMaxX) /
                                          static_cast<double>(desktop.width()));
     m_data.digitY = static_cast<int64_t>((fy - desktop.top()) * double(kAbsMaxY) /
@@ -583,7 +584,7 @@ void CAction::writePen(const TabletDataEX &data)
     const stPenConfig &pen = currentPen(data);
     m_eraserEnd = data.penStatus == kStatusEraserHover || data.penStatus == kStatusEraserTouch;
     m_eraserReal = m_eraserEnd && pen.PenBtn[0].id == 0;
-    MyInput &input = CGlobalData::MyInputDriver;
+    MyInput &input = CInputGlobals::MyInputDriver;
     if (pen.bRelativeCoords) {
         qDebug() << "Relative:" << m_data.relX << m_data.relY;
         const bool buttonUp = m_eraserEnd && !m_eraserReal;
@@ -607,12 +608,12 @@ void CAction::writePen(const TabletDataEX &data)
 void CAction::LeaveProximity()
 {
     if (m_mouseButtonHeld)
-        CGlobalData::MyInputDriver.UpdateRelMouse(0, 0, 0);
+        CInputGlobals::MyInputDriver.UpdateRelMouse(0, 0, 0);
     m_mouseButtonHeld = false;
     if (!m_penHeld)
         return;
     m_penHeld = false;
-    CGlobalData::MyInputDriver.UpdateDigit(kStatusLeave, static_cast<uint16_t>(m_data.digitX),
+    CInputGlobals::MyInputDriver.UpdateDigit(kStatusLeave, static_cast<uint16_t>(m_data.digitX),
                                            static_cast<uint16_t>(m_data.digitY), 0, 0, 0,
                                            m_penHeldAsEraser);
 }
@@ -982,7 +983,7 @@ void CAction::rotateCanvas(bool up)
 void CAction::MouserActionLibrary(int id, bool pressed, short pen)
 {
     Q_UNUSED(pen)
-    CGlobalData::MyInputDriver.DoMouseFunc(id, pressed, false);
+    CInputGlobals::MyInputDriver.DoMouseFunc(id, pressed, false);
 }
 
 void CAction::PenBtnActionLibrary(int id, bool pressed)
@@ -1007,9 +1008,9 @@ void CAction::ActionCorrectorData(QVector<short> &ids, bool pressed, short pen)
         if (!m_firstStroke)
             continue;
         if (id == kCorrectorWheelUp)
-            CGlobalData::MyInputDriver.DoMouseFunc(kMouseWheelUp, true, false);
+            CInputGlobals::MyInputDriver.DoMouseFunc(kMouseWheelUp, true, false);
         else if (id == kCorrectorWheelDown)
-            CGlobalData::MyInputDriver.DoMouseFunc(kMouseWheelDown, true, false);
+            CInputGlobals::MyInputDriver.DoMouseFunc(kMouseWheelDown, true, false);
         m_firstStroke = false;
     }
 }
@@ -1030,7 +1031,7 @@ void CAction::sendKey(unsigned long code, bool pressed)
 {
     if (code > kMaxKeyCode)
         return;
-    CGlobalData::MyInputDriver.KeyEvent(static_cast<int>(code), pressed);
+    CInputGlobals::MyInputDriver.KeyEvent(static_cast<int>(code), pressed);
 }
 
 void CAction::tapKey(unsigned code)
@@ -1129,8 +1130,8 @@ void CAction::KeypadPreviewMode(bool pressed)
 
 void CAction::showTip(const QString &text)
 {
-    if (CGlobalData::Show_Info)
-        CGlobalData::Show_Info->EmitInfo(text);
+    if (CInputGlobals::Show_Info)
+        CInputGlobals::Show_Info->EmitInfo(text);
 }
 
 void CAction::showActionTip(int id, const QString &suffix)

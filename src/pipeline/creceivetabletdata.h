@@ -8,6 +8,7 @@
 
 class CAction;
 class CTablet;
+class CTabletSlots;
 struct stTablet_XMLData;
 
 // Takes decoded reports by queued signal and runs them through an engine of its own.
@@ -16,7 +17,7 @@ class CReceiveTabletData : public QObject
 {
     Q_OBJECT
 public:
-    explicit CReceiveTabletData(QObject *parent = nullptr);
+    explicit CReceiveTabletData(const CTabletSlots &tabletSlots, QObject *parent = nullptr);
     ~CReceiveTabletData() override;
 
     bool inputReady() const { return m_InputReady; }
@@ -30,6 +31,7 @@ public slots:
     void ReceivActionMsg(int tabletId, int msgId, int msgData);
 
 private:
+    const CTabletSlots &m_Slots;
     CAction *m_Action;
     bool m_InputReady;
     std::unique_ptr<stTablet_XMLData> m_Settings;

@@ -1,14 +1,15 @@
 #include "dataaction.h"
 
 #include "caction.h"
-#include "cglobaldata.h"
-#include "ctablet.h"
+#include "cpipelineglobals.h"
+#include "ctabletslots.h"
 
 #include <QDebug>
 #include <QMutexLocker>
 
-DataAction::DataAction(QObject *parent)
-    : QThread(parent), m_Action(new CAction), m_Settings(std::make_unique<stTablet_XMLData>())
+DataAction::DataAction(const CTabletSlots &tabletSlots, QObject *parent)
+    : QThread(parent), m_Slots(tabletSlots), m_Action(new CAction),
+      m_Settings(std::make_unique<stTablet_XMLData>())
 {
     connect(m_Action, qOverload<int, int, int>(&CAction::PostActionMsg), this,
             &DataAction::ReceivActionMsg);
@@ -24,8 +25,8 @@ void DataAction::stop()
 {
     requestInterruption();
     {
-        QMutexLocker lock(&CGlobalData::WaitMutex);
-        CGlobalData::WaitCondition.wakeAll();
+        QMutexLocker lock(&CPipelineGlobals::WaitMutex);
+        CPipelineGlobals::WaitCondition.wakeAll();
     }
     wait();
 }
@@ -39,11 +40,11 @@ void DataAction::ReceivActionMsg(int tabletId, int msgId, int msgData)
 void DataAction::run()
 {
     for (;;) {
-        QMutexLocker lock(&CGlobalData::WaitMutex);
+        QMutexLocker lock(&CPipelineGlobals::WaitMutex);
         // Checked under the mutex, so a stop between the check and the wait is not lost.
         if (isInterruptionRequested())
             break;
-        CGlobalData::WaitCondition.wait(&CGlobalData::WaitMutex);
+        CPipelineGlobals::WaitCondition.wait(&CPipelineGlobals::WaitMutex);
         drainQueue();
     }
     qDebug() << "DataAction Thread exit";
@@ -54,24 +55,21 @@ void DataAction::drainQueue()
     for (;;) {
         TabletDataEX data;
         {
-            QMutexLocker lock(&CGlobalData::DataMutex);
-            if (CGlobalData::QueueTabletData.isEmpty())
+            QMutexLocker lock(&CPipelineGlobals::DataMutex);
+            if (CPipelineGlobals::QueueTabletData.isEmpty())
                 return;
-            data = CGlobalData::QueueTabletData.dequeue();
+            data = CPipelineGlobals::QueueTabletData.dequeue();
         }
-        if (data.tabletIndex < 0 || data.tabletIndex >= kTabletSlots)
+        QueuedTabletInput input;
+        if (!m_Slots.inputOf(data.tabletIndex, input))
             continue;
-        CTablet *tablet = CGlobalData::TabletArray[data.tabletIndex];
-        if (!tablet || !tablet->m_TabletXMLData)
-            continue;
-        _DEVICE_ATTRIBUTES attributes = tablet->m_DeviceAttributes;
         {
-            QMutexLocker lock(&CGlobalData::XMLMutex);
-            *m_Settings = *tablet->m_TabletXMLData;
+            QMutexLocker lock(&CPipelineGlobals::XMLMutex);
+            *m_Settings = *input.settings;
         }
         m_Action->setDeviceIndex(data.tabletIndex);
         const _MultiData result =
-            m_Action->ActionTabletData(data, attributes, m_Settings.get(), tablet->m_AppConfigs);
-        emit SentMultiData(tablet, result);
+            m_Action->ActionTabletData(data, input.attributes, m_Settings.get(), *input.appConfigs);
+        emit SentMultiData(input.tablet, result);
     }
 }

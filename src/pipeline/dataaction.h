@@ -7,15 +7,16 @@
 
 class CAction;
 class CTablet;
+class CTabletSlots;
 struct stTablet_XMLData;
 
 // The queued alternative to the direct report route: a worker that drains
-// CGlobalData::QueueTabletData into its own engine. The driver does not start it.
+// CPipelineGlobals::QueueTabletData into its own engine. The driver does not start it.
 class DataAction : public QThread
 {
     Q_OBJECT
 public:
-    explicit DataAction(QObject *parent = nullptr);
+    explicit DataAction(const CTabletSlots &tabletSlots, QObject *parent = nullptr);
     ~DataAction() override;
 
     // Ends the loop; the wait is woken, since an interruption request alone does not.
@@ -34,6 +35,7 @@ protected:
 private:
     void drainQueue();
 
+    const CTabletSlots &m_Slots;
     CAction *m_Action;
     // A settings copy is too large for the thread's stack.
     std::unique_ptr<stTablet_XMLData> m_Settings;

@@ -50,7 +50,8 @@ constexpr int kMaxApplications = 8;
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
 {
-    CGlobalData::Show_Info = new MyLrc(this);
+    m_Tip = new MyLrc(this);
+    CGlobalData::Show_Info = m_Tip;
     openConfiguration();
     ui->setupUi(this);
     connectDesktopSignals();
@@ -91,8 +92,8 @@ void MainWindow::connectShell()
 {
     connect(ui->minBtn, &QPushButton::clicked, this, &QWidget::showMinimized);
     connect(ui->settingBtn, &QPushButton::clicked, this, &MainWindow::ShowSettingForm);
-    connect(CGlobalData::Show_Info, &MyLrc::EmitAction, this, &MainWindow::OnShowLabel);
-    connect(CGlobalData::Show_Info, &MyLrc::EmitRingLrc, this, &MainWindow::OnShowRinglrc);
+    connect(m_Tip, &MyLrc::EmitAction, this, &MainWindow::OnShowLabel);
+    connect(m_Tip, &MyLrc::EmitRingLrc, this, &MainWindow::OnShowRinglrc);
     connect(ui->tabWidget, &QTabWidget::currentChanged, this, &MainWindow::OnTabItemClicked);
     connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
             &MainWindow::onSelectTabletDevice);
@@ -148,8 +149,8 @@ MainWindow::~MainWindow()
         CGlobalData::Language_Config->endGroup();
     delete CGlobalData::Language_Config;
     CGlobalData::Language_Config = nullptr;
-    delete CGlobalData::Show_Info;
     CGlobalData::Show_Info = nullptr;
+    delete m_Tip;
     delete ui;
 }
 
@@ -934,12 +935,12 @@ void MainWindow::CloseJingxiMode()
 
 void MainWindow::OnShowLabel(QString text)
 {
-    CGlobalData::Show_Info->ShowInfoText(text, true);
+    m_Tip->ShowInfoText(text, true);
 }
 
 void MainWindow::OnShowRinglrc(QStringList *names, int selected)
 {
-    CGlobalData::Show_Info->DrawTips(names, selected);
+    m_Tip->DrawTips(names, selected);
     delete names;
 }
 

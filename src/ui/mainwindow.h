@@ -16,6 +16,7 @@ class MainWindow;
 class BatteryWidget;
 class CTablet;
 class JingXiMode;
+class MyLrc;
 class QLabel;
 class QListWidgetItem;
 class QPixmap;
@@ -145,6 +146,7 @@ private:
     QTime m_StartTime;
     bool m_Dragging = false;
     JingXiMode *m_JingXiMode = nullptr;
+    MyLrc *m_Tip = nullptr;
     UsbListenThread *m_UsbListenThread = nullptr;
     // Unplugged tablets stay allocated: pages and queued messages may still point at them.
     QList<CTablet *> m_RemovedTablets;

@@ -1,7 +1,7 @@
 #include "caction.h"
 #include "cglobaldata.h"
+#include "ctipsink.h"
 #include "deviceattributes.h"
-#include "mylrc.h"
 #include "tabletdata.h"
 #include "uinputfixture.h"
 
@@ -24,6 +24,12 @@
 // is "common", and the engine posts as device 3.
 namespace
 {
+
+struct RecordedTips : CTipSink {
+    void EmitInfo(QString text) override { texts.push_back(text); }
+    void EmitRingLrcInfo(QStringList, int) override {}
+    QStringList texts;
+};
 
 using Texts = std::vector<std::string>;
 using IntMsgs = std::vector<std::pair<int, int>>;
@@ -72,7 +78,6 @@ protected:
         CGlobalData::Show_Info = &m_tip;
         m_action = std::make_unique<CAction>();
         m_action->setDeviceIndex(3);
-        m_tips = std::make_unique<QSignalSpy>(&m_tip, &MyLrc::EmitAction);
         m_ints = std::make_unique<QSignalSpy>(m_action.get(),
                                               qOverload<int, int, int>(&CAction::PostActionMsg));
         m_texts = std::make_unique<QSignalSpy>(
@@ -159,9 +164,9 @@ protected:
     Texts tips()
     {
         Texts result;
-        for (const QList<QVariant> &call : *m_tips)
-            result.push_back(call[0].toString().toStdString());
-        m_tips->clear();
+        for (const QString &text : m_tip.texts)
+            result.push_back(text.toStdString());
+        m_tip.texts.clear();
         return result;
     }
 
@@ -195,9 +200,9 @@ protected:
         textMsgs();
     }
 
-    MyLrc m_tip;
+    RecordedTips m_tip;
     std::unique_ptr<CAction> m_action;
-    std::unique_ptr<QSignalSpy> m_tips, m_ints, m_texts;
+    std::unique_ptr<QSignalSpy> m_ints, m_texts;
     std::unique_ptr<stTablet_XMLData> m_settings = std::make_unique<stTablet_XMLData>();
     _DEVICE_ATTRIBUTES m_device{};
     QMap<QString, _stAppConfigNode *> m_apps;

@@ -77,6 +77,7 @@ protected:
     }
 
     CTablet m_Tablet;
+    CGlobalTabletSlots m_Slots;
     TabletDataEX m_Report{};
 };
 
@@ -93,7 +94,7 @@ TEST_F(QueuedStages, DirectRouteMapsTheMiddleOfTheTablet)
 TEST_F(QueuedStages, WorkerGivesTheResultOfTheDirectRoute)
 {
     const _MultiData expected = direct();
-    DataAction worker;
+    DataAction worker(m_Slots);
     QSignalSpy results(&worker, &DataAction::SentMultiData);
     worker.start();
     {
@@ -117,7 +118,7 @@ TEST_F(QueuedStages, WorkerGivesTheResultOfTheDirectRoute)
 
 TEST_F(QueuedStages, WorkerStopsWhileWaiting)
 {
-    DataAction worker;
+    DataAction worker(m_Slots);
     worker.start();
     QTest::qWait(20);
     worker.stop();
@@ -135,7 +136,7 @@ TEST_F(QueuedStages, ReceiverGivesTheResultOfTheDirectRouteWhileActive)
     // The receiver opens the virtual devices: keep them off the machine running the test.
     QTemporaryDir nodes;
     fakeuinput::start(nodes.path().toStdString());
-    CReceiveTabletData receiver;
+    CReceiveTabletData receiver(m_Slots);
     EXPECT_TRUE(receiver.inputReady());
     QSignalSpy results(&receiver, &CReceiveTabletData::SentMultiData);
     receiver.ReceiveTabletDataEX(m_Report);

@@ -240,7 +240,7 @@ TEST_F(Shell, CloseWithoutDeviceHidesWithoutSavingOrTip)
     ASSERT_NE(m_Window->trayIcon(), nullptr);
     EXPECT_EQ(configFile(), before);
     QApplication::processEvents();
-    EXPECT_FALSE(CGlobalData::Show_Info->isVisible());
+    EXPECT_FALSE(dynamic_cast<QWidget *>(CGlobalData::Show_Info)->isVisible());
 }
 
 TEST_F(Shell, CloseSavesAndLeavesTheDriverInTheTray)

@@ -36,7 +36,7 @@ using TipsFromReaders = WindowFixture;
 // Reader threads only emit; the window shows the tip on the GUI thread.
 TEST_F(TipsFromReaders, TextAndListArriveOnTheGuiThread)
 {
-    MyLrc *tip = CGlobalData::Show_Info;
+    MyLrc *tip = dynamic_cast<MyLrc *>(CGlobalData::Show_Info);
     ASSERT_NE(tip, nullptr);
     std::thread reader([tip] { tip->EmitInfo("Saved"); });
     reader.join();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ctipsink.h"
+
 #include <QColor>
 #include <QPoint>
 #include <QString>
@@ -9,15 +11,15 @@
 
 // The transient tip window. Reader threads reach it only through EmitInfo and
 // EmitRingLrcInfo, whose signals the window receives on the GUI thread.
-class MyLrc : public QWidget
+class MyLrc : public QWidget, public CTipSink
 {
     Q_OBJECT
 public:
     explicit MyLrc(QWidget *parent = nullptr);
 
     // Thread-safe entries.
-    void EmitInfo(QString text);
-    void EmitRingLrcInfo(QStringList names, int selected);
+    void EmitInfo(QString text) override;
+    void EmitRingLrcInfo(QStringList names, int selected) override;
 
     void ShowInfoText(QString text, bool timed);
     void SetInfoText(QString text);
