@@ -1,18 +1,31 @@
+# shellcheck shell=bash
 # Host-side helpers of the e2e tests (sourced by bash).
 #
 #   . lib.sh
-#   e2e_init SCRIBORA_BINARY BUILD_DIR      # exits 77 when the harness folder is missing
+#   e2e_init SCRIBORA_BINARY BUILD_DIR
 #   e2e_run NAME [run-e2e.sh options] -- COMMAND...   # sets E2E_RUN_DIR, E2E_RC, E2E_WALL
 #   e2e_check [check_events.py options]     # checks E2E_RUN_DIR/events.jsonl
 #
-# Environment: E2E_HARNESS (default: ../shared/e2e next to the source tree),
-# E2E_CACHE (kernel + initramfs cache, default /var/cache/scribora-e2e; must not
-# be inside the repository or the read-only harness folder), E2E_TIMEOUT (300 s
-# per boot), E2E_VERBOSE=1 to stream the guest console.
+# Each run dir (under BUILD_DIR/e2e-runs) gets a copy of what the guest runs,
+# because the guest sees it at /e2e/run wherever it is on the host; a command
+# for the guest names these copies:
+#   $E2E_GUEST        the guest scripts (this folder's guest/)
+#   $E2E_GUEST_BIN    the scribora binary, with resource.rcc beside it
+#   $E2E_GUEST_BUILD  the folder of that binary and of the generated conf/
+# Host-side paths stay in SCRIBORA_BIN, E2E_BUILD, E2E_HARNESS (the harness,
+# harness/ here; its device descriptions are in $E2E_HARNESS/devices).
+#
+# Environment: E2E_CACHE (kernel + initramfs cache, default
+# /var/cache/scribora-e2e; must not be inside the repository), E2E_TIMEOUT
+# (300 s per boot), E2E_VERBOSE=1 to stream the guest console.
 
 E2E_TESTS="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+E2E_HARNESS="$E2E_TESTS/harness"
 # shellcheck disable=SC2034  # used by the test scripts that source this file
-E2E_GUEST="$E2E_TESTS/guest"
+{
+    E2E_GUEST=/e2e/run/guest
+    E2E_GUEST_BUILD=/e2e/run/build
+}
 E2E_SKIP=77
 
 e2e_skip() {
@@ -23,31 +36,29 @@ e2e_skip() {
 e2e_init() {
     SCRIBORA_BIN="$(realpath "$1")"
     E2E_BUILD="$(realpath "$2")"
-    : "${E2E_HARNESS:=$E2E_TESTS/../../../shared/e2e}"
-    if [ ! -d "$E2E_HARNESS" ]; then
-        e2e_skip "e2e harness folder $E2E_HARNESS does not exist"
-    fi
-    E2E_HARNESS="$(realpath "$E2E_HARNESS")"
-    if [ ! -x "$E2E_HARNESS/run-e2e.sh" ]; then
-        echo "FAIL: $E2E_HARNESS exists but has no run-e2e.sh"
-        exit 1
-    fi
+    # shellcheck disable=SC2034  # used by the test scripts
+    E2E_GUEST_BIN="$E2E_GUEST_BUILD/$(basename "$SCRIBORA_BIN")"
     export E2E_CACHE="${E2E_CACHE:-/var/cache/scribora-e2e}"
     case "$(realpath -m "$E2E_CACHE")/" in
-        "$(realpath -m "$E2E_TESTS/../..")"/*|"$E2E_HARNESS"/*)
-            echo "FAIL: E2E_CACHE=$E2E_CACHE is inside the repository or the harness folder"
-            exit 1 ;;
-    esac
-    # The guest mounts fresh tmpfs on these, so a tree there is invisible to it.
-    case "$E2E_BUILD/" in
-        /tmp/*|/var/tmp/*)
-            echo "FAIL: the build tree $E2E_BUILD is under /tmp or /var/tmp, which the guest does not see"
+        "$(realpath -m "$E2E_TESTS/../..")"/*)
+            echo "FAIL: E2E_CACHE=$E2E_CACHE is inside the repository"
             exit 1 ;;
     esac
     if [ ! -x "$SCRIBORA_BIN" ]; then
         echo "FAIL: scribora binary $SCRIBORA_BIN not found"
         exit 1
     fi
+}
+
+# e2e_stage DIR : copies the guest scripts to DIR/guest and the binary,
+# resource.rcc and conf/ to DIR/build (a build tree under /tmp or /var/tmp
+# would be hidden by the guest's own tmpfs there).
+e2e_stage() {
+    local dir="$1"
+    mkdir -p "$dir/build" &&
+        cp -r "$E2E_TESTS/guest" "$dir/guest" &&
+        cp "$SCRIBORA_BIN" "$(dirname "$SCRIBORA_BIN")/resource.rcc" "$dir/build/" &&
+        cp -r "$E2E_BUILD/conf" "$dir/build/conf"
 }
 
 # Does qemu start at all on this machine? Only asked after a run in which the
@@ -71,11 +82,14 @@ e2e_run() {
     [ "${E2E_VERBOSE:-0}" = 1 ] && quiet=""
     mkdir -p "$E2E_BUILD/e2e-runs"
     E2E_RUN_DIR="$E2E_BUILD/e2e-runs/$name-$(date +%Y%m%d-%H%M%S)-$$"
+    if ! e2e_stage "$E2E_RUN_DIR"; then
+        echo "FAIL: could not copy what the guest runs into $E2E_RUN_DIR"
+        exit 1
+    fi
     echo "e2e: $name: booting the guest (run dir $E2E_RUN_DIR)"
     t0=$(date +%s.%N)
-    # the guest runs COMMAND in this working directory; the harness folder is
-    # read-only, so keep the harness from writing next to it
-    ( cd "$E2E_BUILD" && "$E2E_HARNESS/run-e2e.sh" $quiet --timeout "${E2E_TIMEOUT:-300}" \
+    # the guest runs COMMAND in the run dir (/e2e/run there)
+    ( cd "$E2E_RUN_DIR" && "$E2E_HARNESS/run-e2e.sh" $quiet --timeout "${E2E_TIMEOUT:-300}" \
         --run-dir "$E2E_RUN_DIR" "$@" )
     E2E_RC=$?
     t1=$(date +%s.%N)

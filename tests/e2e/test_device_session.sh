@@ -5,6 +5,7 @@
 # and leave tab9 alone.
 #   test_device_session.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 [ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
 e2e_init "$1" "$2"
@@ -25,7 +26,7 @@ fi
 e2e_run device-session \
     --device "$E2E_HARNESS/devices/tablet-0b40.json" \
     --device "$E2E_HARNESS/devices/tablet-0b40.json:name=tab9,pid=$UNLISTED_PID,serial=E2E0000009" \
-    -- bash "$E2E_GUEST/device-session.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
+    -- bash "$E2E_GUEST/device-session.sh" "$E2E_GUEST_BIN" "$E2E_GUEST_BUILD"
 
 e2e_show_app_log
 e2e_guest_verdict "driver started, start packet seen, driver stopped"

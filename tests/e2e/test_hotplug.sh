@@ -4,13 +4,14 @@
 # the driver stays alive and answers; plugged in again, it works again.
 #   test_hotplug.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 [ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
 e2e_init "$1" "$2"
 
 e2e_run hotplug \
     --device "$E2E_HARNESS/devices/tablet-0b40.json:connected=0" \
-    -- bash "$E2E_GUEST/hotplug.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
+    -- bash "$E2E_GUEST/hotplug.sh" "$E2E_GUEST_BIN" "$E2E_GUEST_BUILD"
 
 e2e_show_app_log
 e2e_guest_verdict "plug in, stroke, unplug, twice; driver alive throughout"

@@ -5,6 +5,7 @@
 # draws with the saved work area.
 #   test_like_tablets.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 [ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
 e2e_init "$1" "$2"
@@ -12,7 +13,7 @@ e2e_init "$1" "$2"
 e2e_run like-tablets \
     --device "$E2E_HARNESS/devices/tablet-0b40.json" \
     --device "$E2E_HARNESS/devices/tablet-0b40.json:name=tab2,serial=E2E0000002" \
-    -- bash "$E2E_GUEST/tablets.sh" like "$SCRIBORA_BIN" "$E2E_BUILD"
+    -- bash "$E2E_GUEST/tablets.sh" like "$E2E_GUEST_BIN" "$E2E_GUEST_BUILD"
 
 e2e_show_app_log
 e2e_guest_verdict "two like tablets: unplug one, the other reopened; replug, saved work area"

@@ -5,6 +5,7 @@
 # slots full and is left alone.
 #   test_six_tablets.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 [ $# = 2 ] || { echo "usage: $0 SCRIBORA_BINARY BUILD_DIR"; exit 2; }
 e2e_init "$1" "$2"
@@ -14,7 +15,7 @@ for n in 1 2 3 4 5 6; do
     devices+=(--device "$E2E_HARNESS/devices/tablet-0b40.json:name=tab$n,serial=E2E000000$n")
 done
 e2e_run six-tablets "${devices[@]}" \
-    -- bash "$E2E_GUEST/tablets.sh" slots "$SCRIBORA_BIN" "$E2E_BUILD"
+    -- bash "$E2E_GUEST/tablets.sh" slots "$E2E_GUEST_BIN" "$E2E_GUEST_BUILD"
 
 e2e_show_app_log
 e2e_guest_verdict "six tablets: five slots, the sixth left alone until one is unplugged"

@@ -3,6 +3,7 @@
 # plugged in, wait until it has sent the start packet to tab1, then stop it.
 #   device-session.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_launch "$1" "$2" || exit 1

@@ -4,6 +4,7 @@
 # driver must keep running and answer on its event loop.
 #   hotplug.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 hotplug_probe() { /usr/bin/python3 "$E2E_GUEST_DIR/hotplug_probe.py" "$@"; }

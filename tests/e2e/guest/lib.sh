@@ -1,6 +1,9 @@
+# shellcheck shell=bash
 # Helpers for scripts that run inside the e2e guest (sourced by bash).
-# The guest sees the host's files read-only at the same paths; writes go to a
-# RAM overlay, except $E2E_OUT, which the host reads after the run.
+# The guest sees the host's files read-only at the same paths, except under
+# /tmp and /var/tmp; writes go to a RAM overlay, except in the run dir
+# (/e2e/run, which holds the copies of these scripts, the binary and conf/ that
+# the host staged) and $E2E_OUT, which the host reads after the run.
 
 E2E_GUEST_DIR="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 : "${E2E_OUT:=/e2e/run/out}"
@@ -44,10 +47,11 @@ PY
 }
 
 # Cold starts over 9p under TCG take seconds; this only bounds a hang.
+# shellcheck disable=SC2034  # used by the scripts that source this file
 E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
 
-# scribora_launch BINARY BUILD_DIR : installs the configuration, then starts
-# the driver.
+# scribora_launch BINARY BUILD_DIR : installs the configuration from
+# BUILD_DIR/conf, then starts the driver.
 scribora_launch() {
     scribora_install_conf "$2" && scribora_start "$1"
 }

@@ -4,6 +4,7 @@
 # of the mapping (pen_probe.py), and libinput must see a tablet tool draw it.
 #   pen-stroke.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_launch "$1" "$2" || exit 1

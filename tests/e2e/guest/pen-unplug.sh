@@ -4,6 +4,7 @@
 # answer on its event loop, and end on SIGTERM.
 #   pen-unplug.sh SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_launch "$1" "$2" || exit 1

@@ -4,6 +4,7 @@
 # driver must keep running and answer on its event loop throughout.
 #   tablets.sh like|slots SCRIBORA_BINARY BUILD_DIR
 set -u
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 mode="$1"
