@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 #include "qtsingleapplication.h"
+#include "quitsignalwatcher.h"
 
 #include <QFile>
 #include <QFont>
@@ -35,9 +36,14 @@ int main(int argc, char **argv)
     font.setFamily("Arial");
     QApplication::setFont(font);
 
+    // Made before the window, so a signal during start-up waits for the event loop.
+    QuitSignalWatcher quitSignals;
     MainWindow window;
     QObject::connect(&app, &QtSingleApplication::messageReceived, &window,
                      &MainWindow::OnShowDriver);
+    // Logout and service stops end the driver as the tray's Exit does.
+    QObject::connect(&quitSignals, &QuitSignalWatcher::quitRequested, &window,
+                     &MainWindow::OnQuiqDriver);
     if (argc > 1 && strcmp(argv[1], "/mini") == 0) {
         window.InitSystemTray();
         window.hide();
