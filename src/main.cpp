@@ -27,8 +27,10 @@ int main(int argc, char **argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QtSingleApplication app("ScriboraV3", argc, argv);
     if (app.isRunning()) {
-        app.sendMessage("Please show ScriboraV3", 5000);
-        return 0;
+        // An instance already on its way out cannot show itself: this start
+        // then waits for it to end and carries on as the first instance.
+        if (app.sendMessage("Please show ScriboraV3", 5000) || !app.takeOver())
+            return 0;
     }
     QResource::registerResource(QCoreApplication::applicationDirPath() + "/resource.rcc");
     applyStyleSheet(app);
