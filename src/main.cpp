@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 #include "qtsingleapplication.h"
+#include "quitsignalwatcher.h"
 
 #include <QFile>
 #include <QFont>
@@ -26,8 +27,10 @@ int main(int argc, char **argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QtSingleApplication app("ScriboraV3", argc, argv);
     if (app.isRunning()) {
-        app.sendMessage("Please show ScriboraV3", 5000);
-        return 0;
+        // An instance already on its way out cannot show itself: this start
+        // then waits for it to end and carries on as the first instance.
+        if (app.sendMessage("Please show ScriboraV3", 5000) || !app.takeOver())
+            return 0;
     }
     QResource::registerResource(QCoreApplication::applicationDirPath() + "/resource.rcc");
     applyStyleSheet(app);
@@ -35,9 +38,14 @@ int main(int argc, char **argv)
     font.setFamily("Arial");
     QApplication::setFont(font);
 
+    // Made before the window, so a signal during start-up waits for the event loop.
+    QuitSignalWatcher quitSignals;
     MainWindow window;
     QObject::connect(&app, &QtSingleApplication::messageReceived, &window,
                      &MainWindow::OnShowDriver);
+    // Logout and service stops end the driver as the tray's Exit does.
+    QObject::connect(&quitSignals, &QuitSignalWatcher::quitRequested, &window,
+                     &MainWindow::OnQuiqDriver);
     if (argc > 1 && strcmp(argv[1], "/mini") == 0) {
         window.InitSystemTray();
         window.hide();

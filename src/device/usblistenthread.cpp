@@ -45,13 +45,19 @@ void UsbListenThread::run()
     delete_listener();
 }
 
+// Wakes the event wait at once rather than at its time-out: quitting waits
+// for this thread. The lock keeps the context from going away meanwhile.
 void UsbListenThread::Exit()
 {
     m_Stop = true;
+    QMutexLocker lock(&m_ContextMutex);
+    if (m_Context)
+        libusb_interrupt_event_handler(m_Context);
 }
 
 void UsbListenThread::delete_listener()
 {
+    QMutexLocker lock(&m_ContextMutex);
     if (m_CallbackHandle) {
         libusb_hotplug_deregister_callback(m_Context, m_CallbackHandle);
         m_CallbackHandle = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMutex>
 #include <QThread>
 #include <atomic>
 #include <libusb.h>
@@ -32,6 +33,8 @@ protected:
 
 private:
     std::atomic<bool> m_Stop{false};
+    // Between Exit() on the GUI thread and the end of run().
+    QMutex m_ContextMutex;
     libusb_context *m_Context = nullptr;
     libusb_hotplug_callback_handle m_CallbackHandle = 0;
 };

@@ -28,6 +28,10 @@ constexpr char kAck = '\x06';
 // A client that connects but never completes a frame must not linger forever.
 constexpr int kIdleConnectionMs = 10000;
 constexpr int kConnectRetryMs = 50;
+// How long a start waits for an instance that holds the lock but does not
+// listen: one still starting up, or one on its way out.
+constexpr int kHandOverMs = 5000;
+constexpr int kLockRetryMs = 50;
 
 // XDG_RUNTIME_DIR is private to the user; /tmp is the fallback when there is none.
 QString stateDirectory()
@@ -60,6 +64,15 @@ QString baseName(const QString &id)
         .arg(readable, QString::fromLatin1(hash.left(10)), QString::number(::getuid()));
 }
 
+bool serverListens(const QString &name)
+{
+    QLocalSocket probe;
+    probe.connectToServer(name);
+    const bool listening = probe.waitForConnected(kConnectRetryMs);
+    probe.abort();
+    return listening;
+}
+
 int msecsLeft(const QDeadlineTimer &deadline)
 {
     if (deadline.isForever())
@@ -77,14 +90,12 @@ QtSingleApplication::QtSingleApplication(const QString &id, int &argc, char **ar
     // Staleness only by a dead owner process, never by age: a long-running
     // first instance must keep its lock.
     m_lockFile->setStaleLockTime(0);
-    // tryLock removes the lock file of a dead process (e.g. after a crash) and retries.
-    if (m_lockFile->tryLock(0)) {
+    if (acquireLock()) {
         startServer();
         return;
     }
     if (m_lockFile->error() == QLockFile::LockFailedError) {
         m_running = true;
-        m_lockFile.reset();
         return;
     }
     // Without a usable lock the single-instance guarantee cannot be given; run anyway.
@@ -99,6 +110,31 @@ QtSingleApplication::~QtSingleApplication()
     // removes a socket that is still being served.
     m_server.reset();
     m_lockFile.reset();
+}
+
+// tryLock removes the lock file of a dead process (e.g. after a crash) and
+// retries. A live holder that does not listen is either coming up or ending:
+// wait until it listens (it runs) or lets go (this start takes over), bounded.
+bool QtSingleApplication::acquireLock()
+{
+    const QDeadlineTimer deadline(kHandOverMs);
+    for (;;) {
+        if (m_lockFile->tryLock(0))
+            return true;
+        if (m_lockFile->error() != QLockFile::LockFailedError || deadline.hasExpired() ||
+            serverListens(serverName(m_id)))
+            return false;
+        QThread::msleep(kLockRetryMs);
+    }
+}
+
+bool QtSingleApplication::takeOver()
+{
+    if (!m_running || !acquireLock())
+        return false;
+    m_running = false;
+    startServer();
+    return true;
 }
 
 bool QtSingleApplication::isRunning()
@@ -135,6 +171,17 @@ void QtSingleApplication::startServer()
     }
     connect(m_server.get(), &QLocalServer::newConnection, this,
             &QtSingleApplication::acceptConnections);
+    connect(this, &QCoreApplication::aboutToQuit, this, &QtSingleApplication::stopServing);
+}
+
+// Once the event loop has ended nobody would answer: stop listening and drop
+// the connections not read yet, so a new start learns at once that this
+// instance is going away instead of waiting for an answer.
+void QtSingleApplication::stopServing()
+{
+    m_server->close();
+    for (QLocalSocket *socket : m_server->findChildren<QLocalSocket *>())
+        socket->abort();
 }
 
 void QtSingleApplication::acceptConnections()

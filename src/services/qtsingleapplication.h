@@ -11,7 +11,8 @@ class QLockFile;
 
 // QApplication that lets only one instance per user and id run: the first
 // instance holds a lock file and listens on a local socket, later instances
-// detect it with isRunning() and hand it a message with sendMessage().
+// detect it with isRunning() and hand it a message with sendMessage(). A start
+// while the first instance is still ending waits for it and becomes the first.
 class QtSingleApplication : public QApplication
 {
     Q_OBJECT
@@ -24,6 +25,9 @@ public:
     // Delivers message to the running instance; true once it acknowledged
     // receipt within timeout milliseconds (-1 waits forever).
     bool sendMessage(const QString &message, int timeout = 5000);
+    // After a message that found the running instance on its way out: waits,
+    // bounded, until it has ended, and makes this process the first instance.
+    bool takeOver();
     QString id() const;
 
     // Where the lock file and the socket for an id live.
@@ -34,7 +38,9 @@ signals:
     void messageReceived(const QString &message);
 
 private:
+    bool acquireLock();
     void startServer();
+    void stopServing();
     void acceptConnections();
     void readFrom(QLocalSocket *socket, QByteArray &buffer);
 

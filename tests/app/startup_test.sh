@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The real program on a real X server: "/mini" starts hidden and "/MINI"
 # does not; a second start ends at once with status 0 and brings the
-# running window up.
+# running window up; SIGTERM ends it with status 0, and a start made while it
+# is still ending waits for it and comes up as the first instance.
 set -u
 scribora=$1
 work=$(mktemp -d)
@@ -47,10 +48,11 @@ wait_for_state() {
     map_state
 }
 
+# Sets started: the program must be a child of this shell, so wait sees it end.
 start() {
     "$scribora" "$@" >>"$work/scribora.log" 2>&1 &
-    pids+=($!)
-    echo $!
+    started=$!
+    pids+=("$started")
 }
 
 # A hidden window may not exist on the server at all.
@@ -60,7 +62,8 @@ hidden_state() {
     echo "${state:-IsUnMapped}"
 }
 
-first=$(start /mini)
+start /mini
+first=$started
 for _ in $(seq 150); do
     ls "$work"/*.sock >/dev/null 2>&1 && break
     sleep 0.1
@@ -72,11 +75,14 @@ timeout 20 "$scribora" >>"$work/second.log" 2>&1
 check "a second start ends with status 0" "$?" "0"
 check "the second start brings the first window up" "$(wait_for_state IsViewable)" "IsViewable"
 check "the first instance keeps running" "$(kill -0 "$first" 2>/dev/null && echo alive)" "alive"
-kill "$first"
-wait "$first" 2>/dev/null
-
-start /MINI >/dev/null
+kill -TERM "$first"
+start /MINI
+next=$started
+wait "$first"
+check "SIGTERM ends the program with status 0" "$?" "0"
 check "the switch is case-sensitive" "$(wait_for_state IsViewable)" "IsViewable"
+check "a start while the first ends becomes the first" \
+    "$(kill -0 "$next" 2>/dev/null && echo alive)" "alive"
 
 if [ "$failures" -ne 0 ]; then
     echo "--- scribora output"; cat "$work/scribora.log" "$work/second.log"

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
+#include <QThread>
 #include <gtest/gtest.h>
 
 #include <signal.h>
@@ -216,6 +217,22 @@ TEST(SingleAppProcesses, LockOfLiveProcessWithoutServerIsRunningButUndelivered)
     // It keeps retrying the connection until its time-out, not forever.
     EXPECT_GE(elapsed.elapsed(), 400);
     EXPECT_LT(elapsed.elapsed(), 15000);
+}
+
+TEST(SingleAppProcesses, StartWhileHolderEndsWaitsAndBecomesFirst)
+{
+    const QString id = uniqueId();
+    const StateFileCleanup cleanup(id);
+    // A live holder with no server is what an instance on its way out looks like.
+    QLockFile lock(QtSingleApplication::lockFilePath(id));
+    ASSERT_TRUE(lock.tryLock(0));
+
+    Probe later;
+    ASSERT_TRUE(later.start(id, "report", QStringLiteral("hello"), 500));
+    QThread::msleep(2000);
+    lock.unlock();
+    ASSERT_TRUE(later.finish()) << later.describe();
+    EXPECT_EQ(later.lines(), QByteArrayList{"running=0 sent=0"}) << later.describe();
 }
 
 TEST(SingleAppProcesses, UnresponsiveFirstInstanceMakesSendFailAfterTimeout)
