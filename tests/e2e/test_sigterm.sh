@@ -12,7 +12,7 @@ e2e_init "$1" "$2"
 
 e2e_run sigterm \
     --device "$E2E_HARNESS/devices/tablet-0b40.json" \
-    -- bash "$E2E_GUEST/sigterm.sh" "$SCRIBORA_BIN" "$E2E_BUILD"
+    -- bash "$E2E_GUEST/sigterm.sh" "$E2E_GUEST_BIN" "$E2E_GUEST_BUILD"
 
 e2e_show_app_log
 e2e_guest_verdict "SIGTERM: saved, status 0, interface back with usbhid"
