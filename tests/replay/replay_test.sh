@@ -112,6 +112,17 @@ check "report ids 1, 4 and 6 are dropped" "$(cat "$work/out")" "$(
     hover_p1
 )"
 
+# Pen button 1 runs "0|ctrl click|4+6": Ctrl goes down on the mouse device, the
+# left button on the pen device, both after the pen frame, in the order written.
+"$replay" "${tablet[@]}" <<<'02 A2 74 45 9C 31 00 00 00 00' >"$work/out" 2>/dev/null
+check "pen frame, modifier and button in the order written" "$(cat "$work/out")" "$(
+    echo "msg 0 89 0"
+    hover_p1
+    printf 'mouse EV_KEY KEY_LEFTCTRL 1\nmouse EV_SYN SYN_REPORT 0\n'
+    printf 'pen EV_KEY BTN_TOOL_PEN 1\npen EV_KEY BTN_LEFT 1\npen EV_SYN SYN_REPORT 0\n'
+    echo 'msg 0 99 "DoPenBtnAction":{"custom":"0|ctrl click|4+6","id":"1","curapp":"","PenID":"0","PenKeyState":"1"}'
+)"
+
 # Keys go through the same virtual devices: key 1 holds Ctrl+C while it is down,
 # key 2 is Space. Each dispatch posts its usage record (99) after its keys.
 printf '02 F0 01 00 00 00 00 00\n02 F0 00 00 00 00 00 00\n02 F0 02 00 00 00 00 00\n' \
