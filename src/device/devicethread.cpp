@@ -20,7 +20,7 @@ void DeviceThread::run()
         if (result == 0)
             continue;
         if (result > 0) {
-            if (report[0] == 2 || report[0] == 3)
+            if (PassesOn(report))
                 emit MySentTabletPackets(report, result);
             else
                 logDroppedReport(report);

@@ -16,6 +16,8 @@ public:
     DeviceThread(hid_device *device, QMutex *writeLock, QObject *parent = nullptr);
 
     void LinuxRelease();
+    // Input reports go on; any other report id is logged and dropped.
+    static bool PassesOn(const quint8 *report) { return report[0] == 2 || report[0] == 3; }
     int errorCount() const { return m_ErrorCount; }
 
     static constexpr int kReportSize = 64;

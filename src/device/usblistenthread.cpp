@@ -2,6 +2,7 @@
 
 #include "zelkdevice.h"
 
+#include <QDebug>
 #include <cstdio>
 
 UsbListenThread::UsbListenThread(QObject *parent) : QThread(parent)
@@ -83,5 +84,6 @@ void UsbListenThread::tablet_callback(libusb_context *, libusb_device *device,
     libusb_device_descriptor descriptor{};
     if (libusb_get_device_descriptor(device, &descriptor) != LIBUSB_SUCCESS)
         return;
+    qDebug("VENDOR(0x%x) PRODUCT(0x%x)\n", descriptor.idVendor, descriptor.idProduct);
     emit SentListenMsg(descriptor.idVendor, descriptor.idProduct, static_cast<short>(event));
 }

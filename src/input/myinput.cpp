@@ -227,58 +227,9 @@ input_event makeEvent(const timeval &stamp, uint16_t type, uint16_t code, int32_
     return event;
 }
 
-// Descriptor 0 stands for a device that failed to open: its events are dropped.
-template <size_t N> void writeEvents(int fd, const input_event (&events)[N])
-{
-    if (fd == 0)
-        return;
-    // Short writes are not detected.
-    [[maybe_unused]] const ssize_t written = write(fd, events, sizeof events);
-}
-
 void sleepMicroseconds(int microseconds)
 {
     std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
-}
-
-// The tool goes in range with the button so that the pen device accepts it.
-void clickButton(int fd, uint16_t button, bool pressed)
-{
-    const timeval stamp = now();
-    const input_event events[] = {
-        makeEvent(stamp, EV_KEY, BTN_TOOL_PEN, 1),
-        makeEvent(stamp, EV_KEY, button, pressed),
-        makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
-    };
-    writeEvents(fd, events);
-}
-
-void clickMiddle(int fd, bool pressed)
-{
-    const timeval stamp = now();
-    const input_event events[] = {
-        makeEvent(stamp, EV_KEY, BTN_TOOL_PEN, 1),
-        makeEvent(stamp, EV_KEY, BTN_MIDDLE, pressed),
-        makeEvent(stamp, EV_KEY, BTN_STYLUS, pressed),
-        makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
-    };
-    writeEvents(fd, events);
-}
-
-// The events of a double click carry a zero time stamp; that is intended.
-void doubleClick(int fd)
-{
-    constexpr int kGapMicroseconds = 20000;
-    const timeval zero{};
-    for (int step = 0; step < 4; ++step) {
-        if (step > 0)
-            sleepMicroseconds(kGapMicroseconds);
-        const input_event events[] = {
-            makeEvent(zero, EV_KEY, BTN_LEFT, step % 2 == 0),
-            makeEvent(zero, EV_SYN, SYN_REPORT, 0),
-        };
-        writeEvents(fd, events);
-    }
 }
 
 constexpr int kActionKeys[] = {KEY_LEFTALT, KEY_SPACE,  KEY_UNDO,  KEY_REDO, KEY_B,
@@ -297,6 +248,57 @@ constexpr RingKeys kRingKeys[] = {
 };
 
 } // namespace
+
+// Descriptor 0 stands for a device that failed to open: its events are dropped.
+template <size_t N> void MyInput::writeEvents(int fd, const input_event (&events)[N]) const
+{
+    if (fd == 0)
+        return;
+    // Short writes are not detected.
+    [[maybe_unused]] const ssize_t written = write(fd, events, sizeof events);
+    if (m_writeHook)
+        m_writeHook(m_writeHookContext, fd, events, static_cast<int>(N));
+}
+
+// The tool goes in range with the button so that the pen device accepts it.
+void MyInput::clickButton(int fd, uint16_t button, bool pressed) const
+{
+    const timeval stamp = now();
+    const input_event events[] = {
+        makeEvent(stamp, EV_KEY, BTN_TOOL_PEN, 1),
+        makeEvent(stamp, EV_KEY, button, pressed),
+        makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
+    };
+    writeEvents(fd, events);
+}
+
+void MyInput::clickMiddle(int fd, bool pressed) const
+{
+    const timeval stamp = now();
+    const input_event events[] = {
+        makeEvent(stamp, EV_KEY, BTN_TOOL_PEN, 1),
+        makeEvent(stamp, EV_KEY, BTN_MIDDLE, pressed),
+        makeEvent(stamp, EV_KEY, BTN_STYLUS, pressed),
+        makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
+    };
+    writeEvents(fd, events);
+}
+
+// The events of a double click carry a zero time stamp; that is intended.
+void MyInput::doubleClick(int fd) const
+{
+    constexpr int kGapMicroseconds = 20000;
+    const timeval zero{};
+    for (int step = 0; step < 4; ++step) {
+        if (step > 0)
+            sleepMicroseconds(kGapMicroseconds);
+        const input_event events[] = {
+            makeEvent(zero, EV_KEY, BTN_LEFT, step % 2 == 0),
+            makeEvent(zero, EV_SYN, SYN_REPORT, 0),
+        };
+        writeEvents(fd, events);
+    }
+}
 
 MyInput::~MyInput()
 {
@@ -331,6 +333,12 @@ void MyInput::AttachDevices(int absFd, int relFd, int eraserFd)
     m_absFd = absFd;
     m_relFd = relFd;
     m_eraserFd = eraserFd;
+}
+
+void MyInput::SetWriteHook(WriteHook hook, void *context)
+{
+    m_writeHook = hook;
+    m_writeHookContext = context;
 }
 
 void MyInput::CloseUinput()

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+
+struct input_event;
 
 // The fixed absolute space of the pen and eraser devices.
 constexpr int kAbsMaxX = 52324;
@@ -38,6 +41,11 @@ public:
     // for tools that replay or measure the report path.
     void AttachDevices(int absFd, int relFd, int eraserFd);
 
+    // Sees every frame as it is written, whichever device it goes to (told by the descriptor);
+    // for tools that print what the desktop would receive. Unset, it costs one test per write.
+    using WriteHook = void (*)(void *context, int fd, const input_event *events, int count);
+    void SetWriteHook(WriteHook hook, void *context);
+
     // Descriptors are 0 for a device that did not open.
     int absFd() const { return m_absFd; }
     int relFd() const { return m_relFd; }
@@ -45,8 +53,15 @@ public:
     int lastDevice() const { return m_lastDevice; }
 
 private:
+    template <size_t N> void writeEvents(int fd, const input_event (&events)[N]) const;
+    void clickButton(int fd, uint16_t button, bool pressed) const;
+    void clickMiddle(int fd, bool pressed) const;
+    void doubleClick(int fd) const;
+
     int m_absFd = 0;
     int m_relFd = 0;
     int m_eraserFd = 0;
     int m_lastDevice = 0;
+    WriteHook m_writeHook = nullptr;
+    void *m_writeHookContext = nullptr;
 };

@@ -98,6 +98,31 @@ check "0x07C9: the return of the pen is written twice" "$(cat "$work/out")" "$(
 "$replay" "${tablet[@]}" "$work/reentry.txt" >"$work/out" 2>/dev/null
 check "0x0B40: the return of the pen is written once" "$(grep -c "BTN_TOOL_PEN 1" "$work/out")" 3
 
+# The reader thread passes on report ids 2 and 3 only: pens with ids 1, 4 and 6
+# come to nothing, the one with id 3 is written.
+cat >"$work/ids.txt" <<CAPTURE
+01 A0 74 45 9C 31 00 00 00 00
+04 A0 74 45 9C 31 00 00 00 00
+06 A0 74 45 9C 31 00 00 00 00
+03 A0 74 45 9C 31 00 00 00 00
+CAPTURE
+"$replay" "${tablet[@]}" "$work/ids.txt" >"$work/out" 2>/dev/null
+check "report ids 1, 4 and 6 are dropped" "$(cat "$work/out")" "$(
+    echo "msg 0 89 0"
+    hover_p1
+)"
+
+# Pen button 1 runs "0|ctrl click|4+6": Ctrl goes down on the mouse device, the
+# left button on the pen device, both after the pen frame, in the order written.
+"$replay" "${tablet[@]}" <<<'02 A2 74 45 9C 31 00 00 00 00' >"$work/out" 2>/dev/null
+check "pen frame, modifier and button in the order written" "$(cat "$work/out")" "$(
+    echo "msg 0 89 0"
+    hover_p1
+    printf 'mouse EV_KEY KEY_LEFTCTRL 1\nmouse EV_SYN SYN_REPORT 0\n'
+    printf 'pen EV_KEY BTN_TOOL_PEN 1\npen EV_KEY BTN_LEFT 1\npen EV_SYN SYN_REPORT 0\n'
+    echo 'msg 0 99 "DoPenBtnAction":{"custom":"0|ctrl click|4+6","id":"1","curapp":"","PenID":"0","PenKeyState":"1"}'
+)"
+
 # Keys go through the same virtual devices: key 1 holds Ctrl+C while it is down,
 # key 2 is Space. Each dispatch posts its usage record (99) after its keys.
 printf '02 F0 01 00 00 00 00 00\n02 F0 00 00 00 00 00 00\n02 F0 02 00 00 00 00 00\n' \
@@ -116,6 +141,17 @@ check "keys: events and usage records in order" "$(cat "$work/out")" "$(
     usage "1|copy|Ctrl+C|29:37+46:54" 1 0 0
     key KEY_SPACE 1
     usage "" 0 1 1
+)"
+
+# A remote has no pen: it reports ranges of 0, and LPI 0 stands for 5080.
+"$replay" --config "$profile" --model TESTPAD --pid 03E2 --type 4 --maxx 0 --maxy 0 \
+    --pressure 0 --lpi 0 --screen 1920x1080+0+0 "$work/keys.txt" >"$work/out" 2>/dev/null
+check "remote: its keys are written" "$(grep -v '^msg' "$work/out")" "$(
+    key KEY_LEFTCTRL 1
+    key KEY_C 1
+    key KEY_LEFTCTRL 0
+    key KEY_C 0
+    key KEY_SPACE 1
 )"
 
 without() { # the tablet options with one option and its value left out

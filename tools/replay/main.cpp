@@ -4,7 +4,7 @@
 
 #include "cglobaldata.h"
 #include "ctablet.h"
-#include "eventpipes.h"
+#include "devicetap.h"
 #include "eventprinter.h"
 #include "replayoptions.h"
 #include "replaytablet.h"
@@ -14,7 +14,6 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <cstdio>
-#include <iterator>
 #include <unistd.h>
 
 namespace
@@ -36,42 +35,25 @@ bool openInput(QFile &input, const QString &path)
     return input.open(QIODevice::ReadOnly);
 }
 
-void printEvents(const EventPipes &pipes, EventPrinter &printer)
-{
-    input_event events[64];
-    for (EventPipes::Device device : {EventPipes::Pen, EventPipes::Mouse, EventPipes::Eraser}) {
-        for (int count; (count = pipes.read(device, events, std::size(events))) > 0;) {
-            for (int i = 0; i < count; ++i)
-                printer.printEvent(EventPipes::name(device), events[i]);
-        }
-    }
-}
-
-// Events written before a message are printed before it.
-void printMessages(CTablet &tablet, const EventPipes &pipes, EventPrinter &printer)
+// Events are printed as they are written, so each message follows the events before it.
+void printMessages(CTablet &tablet, EventPrinter &printer)
 {
     QObject::connect(&tablet, qOverload<int, int, int>(&CTablet::PostActionMsg),
-                     [&pipes, &printer](int tabletId, int msgId, int value) {
-                         printEvents(pipes, printer);
+                     [&printer](int tabletId, int msgId, int value) {
                          printer.printMessage(tabletId, msgId, QString::number(value));
                      });
     QObject::connect(&tablet, qOverload<int, int, QString>(&CTablet::PostActionMsg),
-                     [&pipes, &printer](int tabletId, int msgId, const QString &value) {
-                         printEvents(pipes, printer);
+                     [&printer](int tabletId, int msgId, const QString &value) {
                          printer.printMessage(tabletId, msgId, value);
                      });
 }
 
-int replay(ReportLineReader &reader, ReplayTablet &tablet, const EventPipes &pipes,
-           EventPrinter &printer)
+int replay(ReportLineReader &reader, ReplayTablet &tablet, EventPrinter &printer)
 {
     for (;;) {
         switch (reader.next()) {
         case ReportLineReader::Status::Report:
             tablet.feed(reader.report(), reader.length());
-            // Messages the engine posted arrive here, after the events written before them.
-            QCoreApplication::processEvents();
-            printEvents(pipes, printer);
             printer.flush();
             break;
         case ReportLineReader::Status::BadLine:
@@ -106,11 +88,11 @@ int main(int argc, char **argv)
     ReplayTablet tablet;
     if (!tablet.setUp(options.tablet()))
         return fail(tablet.error());
-    EventPipes pipes;
-    if (!pipes.attach(CGlobalData::MyInputDriver))
-        return fail("cannot create the event pipes");
     EventPrinter printer(stdout);
-    printMessages(tablet.tablet(), pipes, printer);
+    DeviceTap devices(printer);
+    if (!devices.attach(CGlobalData::MyInputDriver))
+        return fail("cannot open /dev/null for the virtual devices");
+    printMessages(tablet.tablet(), printer);
     ReportLineReader reader(input);
-    return replay(reader, tablet, pipes, printer);
+    return replay(reader, tablet, printer);
 }

@@ -26,10 +26,10 @@ void addOptions(QCommandLineParser &parser)
         {"model", "Section (model name) of the profile.", "NAME"},
         {"pid", "Product id, hexadecimal.", "HEX"},
         {"type", "Device type: 1 tablet, 2 pen display, 4 remote.", "N"},
-        {"maxx", "Largest X the tablet reports.", "N"},
-        {"maxy", "Largest Y the tablet reports.", "N"},
-        {"pressure", "Largest pressure the tablet reports.", "N"},
-        {"lpi", "Device units per inch (default 5080).", "N"},
+        {"maxx", "Largest X the tablet reports; 0 for a device without a pen.", "N"},
+        {"maxy", "Largest Y the tablet reports; 0 for a device without a pen.", "N"},
+        {"pressure", "Largest pressure the tablet reports; 0 for a device without a pen.", "N"},
+        {"lpi", "Device units per inch (default and 0: 5080).", "N"},
         {"screen", "A screen, in order; the first is primary. Repeat for more.", "WxH+X+Y"},
     });
     parser.addPositionalArgument("FILE",
@@ -66,12 +66,12 @@ bool ReplayOptions::readTablet(const QCommandLineParser &parser)
     qint64 lpi = kDefaultLpi;
     if (!required(parser, "config", m_tablet.configFile) ||
         !required(parser, "model", m_tablet.model) || !required(parser, "pid", pid) ||
-        !positive(parser, "type", kRemote, type) ||
-        !positive(parser, "maxx", kMaxCoordinate, m_tablet.maxX) ||
-        !positive(parser, "maxy", kMaxCoordinate, m_tablet.maxY) ||
-        !positive(parser, "pressure", kMaxPressure, pressure))
+        !number(parser, "type", kTablet, kRemote, type) ||
+        !number(parser, "maxx", 0, kMaxCoordinate, m_tablet.maxX) ||
+        !number(parser, "maxy", 0, kMaxCoordinate, m_tablet.maxY) ||
+        !number(parser, "pressure", 0, kMaxPressure, pressure))
         return false;
-    if (parser.isSet("lpi") && !positive(parser, "lpi", kMaxLpi, lpi))
+    if (parser.isSet("lpi") && !number(parser, "lpi", 0, kMaxLpi, lpi))
         return false;
     bool ok = false;
     m_tablet.productId = pid.toInt(&ok, 16);
@@ -112,17 +112,20 @@ bool ReplayOptions::required(const QCommandLineParser &parser, const QString &na
     return true;
 }
 
-bool ReplayOptions::positive(const QCommandLineParser &parser, const QString &name, qint64 maximum,
-                             qint64 &value)
+bool ReplayOptions::number(const QCommandLineParser &parser, const QString &name, qint64 minimum,
+                           qint64 maximum, qint64 &value)
 {
     QString text;
     if (!required(parser, name, text))
         return false;
     bool ok = false;
     value = text.toLongLong(&ok, 10);
-    if (!ok || value < 1 || value > maximum)
-        return fail(
-            QString("--%1: not a number from 1 to %2: '%3'").arg(name).arg(maximum).arg(text));
+    if (!ok || value < minimum || value > maximum)
+        return fail(QString("--%1: not a number from %2 to %3: '%4'")
+                        .arg(name)
+                        .arg(minimum)
+                        .arg(maximum)
+                        .arg(text));
     return true;
 }
 

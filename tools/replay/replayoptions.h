@@ -24,8 +24,8 @@ private:
     bool readTablet(const QCommandLineParser &parser);
     bool readScreens(const QStringList &values);
     bool required(const QCommandLineParser &parser, const QString &name, QString &value);
-    bool positive(const QCommandLineParser &parser, const QString &name, qint64 maximum,
-                  qint64 &value);
+    bool number(const QCommandLineParser &parser, const QString &name, qint64 minimum,
+                qint64 maximum, qint64 &value);
     bool fail(const QString &why);
 
     QString m_error;

@@ -2,6 +2,7 @@
 
 #include "cglobaldata.h"
 #include "ctablet.h"
+#include "devicethread.h"
 #include "xmlhelp.h"
 
 #include <cstdio>
@@ -50,7 +51,8 @@ bool ReplayTablet::setUp(const ReplayedTablet &description)
 
 void ReplayTablet::feed(quint8 *report, int length)
 {
-    m_tablet->ReceiveTabletPackets(report, length);
+    if (DeviceThread::PassesOn(report))
+        m_tablet->ReceiveTabletPackets(report, length);
 }
 
 void ReplayTablet::installScreens(const QVector<QRect> &screens)
@@ -70,9 +72,10 @@ void ReplayTablet::setAttributes(const ReplayedTablet &description)
     attributes.MaxX = description.maxX;
     attributes.MaxY = description.maxY;
     attributes.MaxPressure = description.maxPressure;
-    attributes.LPI = description.lpi;
-    attributes.Width = static_cast<int>(description.maxX * 100 / description.lpi);
-    attributes.Height = static_cast<int>(description.maxY * 100 / description.lpi);
+    // As from the device: LPI 0 means the default.
+    attributes.LPI = description.lpi > 0 ? description.lpi : kDefaultLpi;
+    attributes.Width = static_cast<int>(description.maxX * 100 / attributes.LPI);
+    attributes.Height = static_cast<int>(description.maxY * 100 / attributes.LPI);
 }
 
 // The tablet's own reader is pointed at the given file, so that the load is

@@ -23,6 +23,7 @@ public:
     CTablet &tablet() { return *m_tablet; }
 
     // report points to a full zeroed report buffer; length is what a read returned.
+    // Only the reports the reader thread passes on reach the tablet.
     void feed(quint8 *report, int length);
 
 private:
