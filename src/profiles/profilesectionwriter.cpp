@@ -1,11 +1,11 @@
 #include "profilesectionwriter.h"
 
+#include "textfield.h"
 #include "xmlhelp.h"
 
 #include <QDebug>
 #include <QVariant>
 #include <QtGlobal>
-#include <cstring>
 
 namespace
 {
@@ -13,17 +13,6 @@ namespace
 // A template "app" carries this many keys and wheel items whatever the device has.
 constexpr int kTemplateKeys = 8;
 constexpr int kTemplateWheelItems = 5;
-
-// Bounded: a record from a hostile source may lack its NUL.
-QString fieldText(const char *field, size_t size)
-{
-    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
-}
-
-template <size_t N> QString fieldText(const char (&field)[N])
-{
-    return fieldText(field, N);
-}
 
 // The shortest text that reads back as the same float: "0.1" rather than
 // the float widened to a double, "0.10000000149011612".

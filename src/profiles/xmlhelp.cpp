@@ -27,11 +27,6 @@ int16_t attrI16(const QDomElement &element, const char *name)
     return toI16(element.attribute(name));
 }
 
-QString fieldText(const char *field, size_t size)
-{
-    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
-}
-
 void appendText(QDomDocument &doc, QDomElement &element, const QString &text)
 {
     if (!text.isEmpty())
@@ -57,7 +52,7 @@ QDomElement deviceKeyGroup(QDomDocument &doc, const stKeyGroup &group, int index
         child.setAttribute("Actid", key.Actid);
         child.setAttribute("Motid", key.Motid);
         if (key.id != 0)
-            appendText(doc, child, fieldText(key.func, sizeof key.func));
+            appendText(doc, child, fieldText(key.func));
         element.appendChild(child);
     }
     return element;
@@ -72,7 +67,7 @@ QDomElement deviceRing(QDomDocument &doc, const stRingConfig &ring)
         QDomElement child = doc.createElement(QString("W%1").arg(i + 1));
         child.setAttribute("id", item.id);
         if (item.id == 2)
-            appendText(doc, child, fieldText(item.func, sizeof item.func));
+            appendText(doc, child, fieldText(item.func));
         element.appendChild(child);
     }
     return element;
@@ -100,7 +95,7 @@ void readDeviceKeyGroup(const QDomElement &element, _stAppConfigNode &node)
         key.Actid = attrI16(child, "Actid");
         key.Show = attrI16(child, "Show") != 0;
         if (key.id > 0)
-            copyTextField(key.func, child.text().toUtf8().constData());
+            copyTextField(key.func, child.text());
     }
 }
 
@@ -113,7 +108,7 @@ void readDeviceRing(const QDomElement &element, stRingConfig &ring)
         stRingItem &item = ring.Item[index];
         item.id = attrI16(child, "id");
         if (item.id == 2)
-            copyTextField(item.func, child.text().toUtf8().constData());
+            copyTextField(item.func, child.text());
     }
 }
 
@@ -329,8 +324,7 @@ void XMLHelp::SaveConfig(stTablet_XMLData *data, QMap<QString, _stAppConfigNode 
     if (!parseForSave(file, document))
         return;
     file.close();
-    const QDomElement section =
-        findSection(document.documentElement(), fieldText(data->szPidName, sizeof data->szPidName));
+    const QDomElement section = findSection(document.documentElement(), fieldText(data->szPidName));
     if (section.isNull()) {
         qDebug() << "can not find the pid xml.";
         return;
