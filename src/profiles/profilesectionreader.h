@@ -18,18 +18,11 @@ public:
     void readApp(const QDomElement &app, _stAppConfigNode *node);
 
 private:
-    void readScreenMapping(const QDomElement &element);
-    void readTabletPannel(const QDomElement &element);
     void readOrientAreas(const QDomElement &element);
-    void readCalibration(const QDomElement &element);
-
-    void readPen(const QDomElement &element, stPenConfig &pen);
-    void readAppPen(const QDomElement &element, int index, stPenConfig &pen);
-    void readPenValues(const QDomElement &child, stPenConfig &pen);
-    void readKeys(const QDomElement &element, _stAppConfigNode &node, bool fromCommon);
-    void readKeyList(const QDomElement &element, stKeyConfig *keys, const stKeyConfig *common);
-    bool readRing(const QDomElement &element, _stAppConfigNode &node, bool inApp);
-    void readRingItems(const QDomElement &element, stRingConfig &ring);
+    void readProfile(const QDomElement &parent, _stAppConfigNode &node, bool inApp);
+    void readPen(const QDomElement &element, stPenConfig &pen, const stPenConfig *common);
+    void readKeyElement(const QDomElement &element, _stAppConfigNode &node, bool inApp);
+    void readRing(const QDomElement &element, _stAppConfigNode &node, bool inApp);
 
     stTablet_XMLData *m_data;
 };

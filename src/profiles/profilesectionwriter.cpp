@@ -1,11 +1,9 @@
 #include "profilesectionwriter.h"
 
-#include "xmlhelp.h"
+#include "profiletags.h"
 
 #include <QDebug>
-#include <QVariant>
 #include <QtGlobal>
-#include <cstring>
 
 namespace
 {
@@ -14,62 +12,12 @@ namespace
 constexpr int kTemplateKeys = 8;
 constexpr int kTemplateWheelItems = 5;
 
-// Bounded: a record from a hostile source may lack its NUL.
-QString fieldText(const char *field, size_t size)
-{
-    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
-}
-
-template <size_t N> QString fieldText(const char (&field)[N])
-{
-    return fieldText(field, N);
-}
-
-// The shortest text that reads back as the same float: "0.1" rather than
-// the float widened to a double, "0.10000000149011612".
-QString floatText(float value)
-{
-    for (int precision = 1; precision < 9; ++precision) {
-        const QString text = QString::number(value, 'g', precision);
-        if (text.toFloat() == value)
-            return text;
-    }
-    return QString::number(value, 'g', 9);
-}
-
-// The same index rules as the reader's, so both walks meet the same records.
-int penIndexFromTag(const QString &tag)
-{
-    if (tag.length() <= 3)
-        return 0;
-    return tag.mid(3).toShort(nullptr, 10) - 1;
-}
-
-int groupIndexFromTag(const QString &tag)
-{
-    if (tag.length() <= 2)
-        return 0;
-    return tag.mid(2).toShort(nullptr, 10);
-}
-
-bool inRange(int index, int count)
-{
-    return index >= 0 && index < count;
-}
-
 // The roller ring is whichever ring the reader marked as one.
-const stRingConfig *ringForTag(const QString &tag, const _stAppConfigNode &node)
+int rollerRing(const _stAppConfigNode &node)
 {
-    if (tag == "R")
-        return &node.Ring[0];
-    if (tag == "PR") {
-        if (node.Ring[0].type == 3)
-            return &node.Ring[0];
-        return node.Ring[1].type == 3 ? &node.Ring[1] : nullptr;
-    }
-    if (tag == "R2" || tag == "TR")
-        return &node.Ring[1];
-    return nullptr;
+    if (node.Ring[0].type == 3)
+        return 0;
+    return node.Ring[1].type == 3 ? 1 : -1;
 }
 
 int countApps(const QDomElement &appList)
@@ -88,88 +36,26 @@ ProfileSectionWriter::ProfileSectionWriter(QDomDocument document, const stTablet
 {
 }
 
-void ProfileSectionWriter::setText(QDomElement element, const QVariant &value)
-{
-    XMLHelp::SetTextValue(m_document, element, value);
-}
-
-// Only what the device reports about itself at run time; the rest are traits.
 void ProfileSectionWriter::writeDeviceInfo(QDomElement deviceInfo)
 {
-    if (!deviceInfo.hasChildNodes())
-        return;
-    for (QDomElement child = deviceInfo.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement()) {
-        if (child.tagName() == "PenMoveInTablet")
-            setText(child, m_data->PenMoveInTablet);
-        else if (child.tagName() == "DeviceCurPenID")
-            setText(child, m_data->DeviceCurPenID);
-    }
+    if (deviceInfo.hasChildNodes())
+        writeValues(deviceInfo, *m_data, kDeviceInfoValues);
 }
 
-// Position 7, the orientation areas, is never written.
+// The orientation areas are never written. An eighth element of another
+// name than "SC" means "no calibration" to the reader; it stays so.
 void ProfileSectionWriter::writeCommon(QDomElement common)
 {
-    const int16_t switches[] = {m_data->DisableInfo, m_data->DisableQuickKey,
-                                m_data->DisablePressure, m_data->DisableSlope};
     int position = 1;
     for (QDomElement child = common.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement(), ++position) {
-        if (position == 1)
-            writeScreenMapping(child);
-        else if (position == 2)
-            writeTabletPannel(child);
-        else if (position <= 6)
-            setText(child, switches[position - 3]);
-        else if (position == 8)
-            writeCalibration(child);
+        if (position == kCalibrationPosition && !isCalibration(child))
+            continue;
+        for (const CommonValue &entry : kCommonValues) {
+            if (entry.position == position)
+                entry.value.write(child, *m_data);
+        }
     }
-}
-
-void ProfileSectionWriter::writeScreenMapping(QDomElement element)
-{
-    element.setAttribute("id", m_data->ScreenId);
-    for (QDomElement child = element.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement()) {
-        const QString tag = child.tagName();
-        if (tag == "SX")
-            setText(child, m_data->SX);
-        else if (tag == "SY")
-            setText(child, m_data->SY);
-        else if (tag == "SW")
-            setText(child, m_data->SW);
-        else if (tag == "SH")
-            setText(child, m_data->SH);
-    }
-}
-
-void ProfileSectionWriter::writeTabletPannel(QDomElement element)
-{
-    element.setAttribute("Orientation", m_data->Orientation);
-    for (QDomElement child = element.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement()) {
-        const QString tag = child.tagName();
-        if (tag == "TX")
-            setText(child, m_data->TX);
-        else if (tag == "TY")
-            setText(child, m_data->TY);
-        else if (tag == "TW")
-            setText(child, m_data->TW);
-        else if (tag == "TH")
-            setText(child, m_data->TH);
-    }
-}
-
-// An eighth element of another name means "no calibration" to the reader;
-// it stays so, and no "SC" is added.
-void ProfileSectionWriter::writeCalibration(QDomElement element)
-{
-    if (element.tagName() != "SC")
-        return;
-    element.setAttribute("fKX", floatText(m_data->fKX));
-    element.setAttribute("fKY", floatText(m_data->fKY));
-    element.setAttribute("fXLC", floatText(m_data->fXLC));
-    element.setAttribute("fYLC", floatText(m_data->fYLC));
 }
 
 void ProfileSectionWriter::writeCommonApp(QDomElement commonApp)
@@ -177,122 +63,79 @@ void ProfileSectionWriter::writeCommonApp(QDomElement commonApp)
     writeProfile(commonApp, m_data->CommonAPP);
 }
 
+// "path" is written by writeApp.
 void ProfileSectionWriter::writeProfile(QDomElement parent, const _stAppConfigNode &node)
 {
     for (QDomElement child = parent.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
-        const QString tag = child.tagName();
-        if (tag.contains("Pen")) {
-            const int index = penIndexFromTag(tag);
-            if (inRange(index, kPenCount))
+        switch (profileElement(child.tagName())) {
+        case ProfileElement::Path:
+            break;
+        case ProfileElement::Pen: {
+            const int index = penIndexFromTag(child.tagName());
+            if (index >= 0)
                 writePen(child, node.Pen[index]);
-        } else if (tag == "SelectID") {
+            break;
+        }
+        case ProfileElement::SelectID:
             // The reader takes an application's value from an attribute, so
             // it comes back as 0 there: intended.
-            setText(child, node.SelectID);
-        } else if (tag.contains("K")) {
-            writeKeys(child, node);
-        } else {
+            setElementText(child, QString::number(node.SelectID));
+            break;
+        case ProfileElement::Keys:
+            writeKeyElement(child, node);
+            break;
+        case ProfileElement::Ring:
             writeRing(child, node);
+            break;
         }
     }
 }
 
 void ProfileSectionWriter::writePen(QDomElement element, const stPenConfig &pen)
 {
+    writeValues(element, pen, kPenValues);
     for (QDomElement child = element.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
-        const QString tag = child.tagName();
-        const int button =
-            tag.startsWith("PenBtn") && tag.length() == 7 ? tag[6].unicode() - '0' : -1;
-        if (inRange(button, kPenBtnCount)) {
-            child.setAttribute("id", pen.PenBtn[button].id);
-            writePenButton(child, pen.PenBtn[button]);
-        } else {
-            writePenValue(child, pen);
-        }
+        const int button = penButtonFromTag(child.tagName());
+        if (button < 0)
+            continue;
+        writeValues(child, pen.PenBtn[button], kPenButtonValues);
+        writeFunction(child, pen.PenBtn[button].func, pen.PenBtn[button].id == 1);
     }
     if (!element.firstChildElement("PenBtn0").isNull())
         return;
     QDomElement eraser = m_document.createElement("PenBtn0");
-    eraser.setAttribute("id", pen.PenBtn[0].id);
-    eraser.setAttribute("Actid", pen.PenBtn[0].Actid);
-    writePenButton(eraser, pen.PenBtn[0]);
+    writeValues(eraser, pen.PenBtn[0], kPenButtonValues, Values::All);
+    writeFunction(eraser, pen.PenBtn[0].func, pen.PenBtn[0].id == 1);
     element.appendChild(eraser);
 }
 
-void ProfileSectionWriter::writePenButton(QDomElement element, const stPenBtn &button)
-{
-    setText(element, button.id == 1 ? fieldText(button.func) : QString());
-}
-
-void ProfileSectionWriter::writePenValue(QDomElement child, const stPenConfig &pen)
-{
-    const QString tag = child.tagName();
-    if (tag == "P0") {
-        setText(child, floatText(pen.P0));
-    } else if (tag == "P1X") {
-        setText(child, floatText(pen.P1X));
-    } else if (tag == "P1Y") {
-        setText(child, floatText(pen.P1Y));
-    } else if (tag == "P2") {
-        setText(child, floatText(pen.P2));
-    } else if (tag == "TablePC") {
-        setText(child, static_cast<int>(pen.bTablePC));
-    } else if (tag == "RelativeCoords") {
-        child.setAttribute("Speed", pen.Speed);
-        setText(child, static_cast<int>(pen.bRelativeCoords));
-    }
-}
-
 // "Motid", "Actid" and "Show" are traits of the model and never written.
-void ProfileSectionWriter::writeKeys(QDomElement element, const _stAppConfigNode &node)
+void ProfileSectionWriter::writeKeyElement(QDomElement element, const _stAppConfigNode &node)
 {
     if (!m_data->SupportGroupKeys) {
-        writeKeyList(element, node.Key);
+        writeKeys(element, node.Key, Values::Saved);
         return;
     }
     const int group = groupIndexFromTag(element.tagName());
-    if (!inRange(group, kKeyGroupCount))
-        return;
-    element.setAttribute("id", static_cast<int>(node.KeyGroup[group].bEnable));
-    writeKeyList(element, node.KeyGroup[group].Key);
-}
-
-void ProfileSectionWriter::writeKeyList(QDomElement element, const stKeyConfig *keys)
-{
-    int index = 0;
-    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kKeyCount;
-         child = child.nextSiblingElement(), ++index) {
-        const stKeyConfig &key = keys[index];
-        child.setAttribute("id", key.id);
-        setText(child, key.id != 0 ? fieldText(key.func) : QString());
-    }
+    if (group >= 0)
+        writeKeyGroup(element, node.KeyGroup[group], Values::Saved);
 }
 
 void ProfileSectionWriter::writeRing(QDomElement element, const _stAppConfigNode &node)
 {
     const QString tag = element.tagName();
-    const stRingConfig *ring = ringForTag(tag, node);
-    if (!ring)
+    const int index = ringFromTag(tag, rollerRing(node));
+    if (index < 0)
         return;
-    element.setAttribute("id", ring->id);
-    if (tag == "TR")
-        element.setAttribute("mode", static_cast<int>(ring->mode));
-    else if (tag == "PR")
-        element.setAttribute("Speed", ring->Speed);
-    writeRingItems(element, *ring);
-}
-
-void ProfileSectionWriter::writeRingItems(QDomElement element, const stRingConfig &ring)
-{
-    int index = 0;
-    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kRingItemCount;
-         child = child.nextSiblingElement(), ++index) {
-        const stRingItem &item = ring.Item[index];
-        child.setAttribute("id", item.id);
-        setText(child, item.id == 2 ? fieldText(item.func) : QString());
-    }
+    const stRingConfig &ring = node.Ring[index];
+    element.setAttribute("id", ring.id);
+    if (tag == QLatin1String("TR"))
+        element.setAttribute("mode", static_cast<int>(ring.mode));
+    else if (tag == QLatin1String("PR"))
+        element.setAttribute("Speed", ring.Speed);
+    writeRingItems(element, ring);
 }
 
 // The file keeps as many "app" elements as the map has records, in the map's
@@ -326,7 +169,7 @@ void ProfileSectionWriter::writeApp(QDomElement app, const QString &path,
 {
     for (QDomElement child = app.firstChildElement("path"); !child.isNull();
          child = child.nextSiblingElement("path"))
-        setText(child, path);
+        setElementText(child, path);
     writeProfile(app, node);
 }
 
@@ -354,20 +197,20 @@ QDomElement ProfileSectionWriter::appTemplate()
         pen.appendChild(relative);
         app.appendChild(pen);
     }
-    app.appendChild(templateElement("K", "K", kTemplateKeys));
-    app.appendChild(templateElement("R", "W", kTemplateWheelItems));
+    app.appendChild(templateElement("K", keyTag, kTemplateKeys));
+    app.appendChild(templateElement("R", itemTag, kTemplateWheelItems));
     app.appendChild(
-        templateElement(m_data->DeviceRingNum == 2 ? "R2" : "TR", "W", kTemplateWheelItems));
+        templateElement(m_data->DeviceRingNum == 2 ? "R2" : "TR", itemTag, kTemplateWheelItems));
     return app;
 }
 
-QDomElement ProfileSectionWriter::templateElement(const QString &tag, const QString &childTag,
+QDomElement ProfileSectionWriter::templateElement(const QString &tag, QString (*childTag)(int),
                                                   int children)
 {
     QDomElement element = m_document.createElement(tag);
     element.setAttribute("id", "0");
-    for (int i = 1; i <= children; ++i) {
-        QDomElement child = m_document.createElement(childTag + QString::number(i));
+    for (int i = 0; i < children; ++i) {
+        QDomElement child = m_document.createElement(childTag(i));
         child.setAttribute("id", "0");
         element.appendChild(child);
     }

@@ -6,7 +6,6 @@
 #include <QDomElement>
 #include <QMap>
 #include <QString>
-#include <QVariant>
 
 // Puts the records back into one device section of the profile file, in
 // place and in the reader's walk: only values the records own change, and
@@ -22,23 +21,14 @@ public:
     void writeApps(QDomElement appList, const QMap<QString, _stAppConfigNode *> &apps);
 
 private:
-    void writeScreenMapping(QDomElement element);
-    void writeTabletPannel(QDomElement element);
-    void writeCalibration(QDomElement element);
-
     void writeProfile(QDomElement parent, const _stAppConfigNode &node);
     void writeApp(QDomElement app, const QString &path, const _stAppConfigNode &node);
     void writePen(QDomElement element, const stPenConfig &pen);
-    void writePenValue(QDomElement child, const stPenConfig &pen);
-    void writePenButton(QDomElement element, const stPenBtn &button);
-    void writeKeys(QDomElement element, const _stAppConfigNode &node);
-    void writeKeyList(QDomElement element, const stKeyConfig *keys);
+    void writeKeyElement(QDomElement element, const _stAppConfigNode &node);
     void writeRing(QDomElement element, const _stAppConfigNode &node);
-    void writeRingItems(QDomElement element, const stRingConfig &ring);
 
     QDomElement appTemplate();
-    QDomElement templateElement(const QString &tag, const QString &childTag, int children);
-    void setText(QDomElement element, const QVariant &value);
+    QDomElement templateElement(const QString &tag, QString (*childTag)(int), int children);
 
     QDomDocument m_document;
     const stTablet_XMLData *m_data;

@@ -1,10 +1,26 @@
 #pragma once
 
+#include <QString>
+
 #include <cstddef>
 #include <cstring>
 
-// Copies text into a fixed field: always NUL-terminated, never past the
-// field, and never ending in half a UTF-8 character.
+// Text in the records' fixed fields is UTF-8, and is read and written
+// without ever crossing the field: a record from a hostile source may lack
+// its NUL.
+
+// Up to the first NUL, or the whole field when there is none.
+inline QString fieldText(const char *field, size_t fieldSize)
+{
+    return QString::fromUtf8(field, static_cast<int>(strnlen(field, fieldSize)));
+}
+
+template <size_t N> QString fieldText(const char (&field)[N])
+{
+    return fieldText(field, N);
+}
+
+// Always NUL-terminated, and never ending in half a UTF-8 character.
 inline void copyTextField(char *field, size_t fieldSize, const char *text)
 {
     if (fieldSize == 0)
@@ -22,4 +38,9 @@ inline void copyTextField(char *field, size_t fieldSize, const char *text)
 template <size_t N> void copyTextField(char (&field)[N], const char *text)
 {
     copyTextField(field, N, text);
+}
+
+template <size_t N> void copyTextField(char (&field)[N], const QString &text)
+{
+    copyTextField(field, N, text.toUtf8().constData());
 }

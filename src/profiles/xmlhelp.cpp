@@ -2,6 +2,7 @@
 
 #include "profilesectionreader.h"
 #include "profilesectionwriter.h"
+#include "profiletags.h"
 #include "textfield.h"
 
 #include <QDebug>
@@ -17,104 +18,42 @@ namespace
 // The device keeps eleven keys per group and the items of one wheel.
 constexpr int kDeviceFileKeys = 11;
 
-int16_t toI16(const QString &text)
-{
-    return text.toShort(nullptr, 10);
-}
-
-int16_t attrI16(const QDomElement &element, const char *name)
-{
-    return toI16(element.attribute(name));
-}
-
-QString fieldText(const char *field, size_t size)
-{
-    return QString::fromUtf8(field, static_cast<int>(strnlen(field, size)));
-}
-
-void appendText(QDomDocument &doc, QDomElement &element, const QString &text)
-{
-    if (!text.isEmpty())
-        element.appendChild(doc.createTextNode(text));
-}
-
 QDomElement textElement(QDomDocument &doc, const QString &tag, const QString &text)
 {
     QDomElement element = doc.createElement(tag);
-    appendText(doc, element, text);
+    setElementText(element, text);
+    return element;
+}
+
+QDomElement numberedElement(QDomDocument &doc, const QString &tag, QString (*childTag)(int),
+                            int children)
+{
+    QDomElement element = doc.createElement(tag);
+    for (int i = 0; i < children; ++i)
+        element.appendChild(doc.createElement(childTag(i)));
     return element;
 }
 
 QDomElement deviceKeyGroup(QDomDocument &doc, const stKeyGroup &group, int index)
 {
-    QDomElement element = doc.createElement(index == 0 ? QString("K") : QString("K_%1").arg(index));
-    element.setAttribute("id", group.bEnable);
-    for (int k = 0; k < kDeviceFileKeys; ++k) {
-        const stKeyConfig &key = group.Key[k];
-        QDomElement child = doc.createElement(QString("K%1").arg(k + 1));
-        child.setAttribute("id", key.id);
-        child.setAttribute("Show", key.Show);
-        child.setAttribute("Actid", key.Actid);
-        child.setAttribute("Motid", key.Motid);
-        if (key.id != 0)
-            appendText(doc, child, fieldText(key.func, sizeof key.func));
-        element.appendChild(child);
-    }
+    QDomElement element = numberedElement(doc, groupTag(index), keyTag, kDeviceFileKeys);
+    writeKeyGroup(element, group, Values::All);
     return element;
 }
 
 QDomElement deviceRing(QDomDocument &doc, const stRingConfig &ring)
 {
-    QDomElement element = doc.createElement("R");
+    QDomElement element = numberedElement(doc, "R", itemTag, kRingItemCount);
     element.setAttribute("id", ring.id);
-    for (int i = 0; i < kRingItemCount; ++i) {
-        const stRingItem &item = ring.Item[i];
-        QDomElement child = doc.createElement(QString("W%1").arg(i + 1));
-        child.setAttribute("id", item.id);
-        if (item.id == 2)
-            appendText(doc, child, fieldText(item.func, sizeof item.func));
-        element.appendChild(child);
-    }
+    writeRingItems(element, ring);
     return element;
-}
-
-// "K_1" is group 1, "K" group 0; -1 for a group the record does not have.
-int deviceGroupFromTag(const QString &tag)
-{
-    const int group = tag.length() <= 2 ? 0 : toI16(tag.mid(2));
-    return group >= 0 && group < kKeyGroupCount ? group : -1;
 }
 
 void readDeviceKeyGroup(const QDomElement &element, _stAppConfigNode &node)
 {
-    const int group = deviceGroupFromTag(element.tagName());
-    if (group < 0)
-        return;
-    node.KeyGroup[group].bEnable = attrI16(element, "id") != 0;
-    int index = 0;
-    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kKeyCount;
-         child = child.nextSiblingElement(), ++index) {
-        stKeyConfig &key = node.KeyGroup[group].Key[index];
-        key.id = attrI16(child, "id");
-        key.Motid = attrI16(child, "Motid");
-        key.Actid = attrI16(child, "Actid");
-        key.Show = attrI16(child, "Show") != 0;
-        if (key.id > 0)
-            copyTextField(key.func, child.text().toUtf8().constData());
-    }
-}
-
-// The wheel's own "id" is not read: it stays 0.
-void readDeviceRing(const QDomElement &element, stRingConfig &ring)
-{
-    int index = 0;
-    for (QDomElement child = element.firstChildElement(); !child.isNull() && index < kRingItemCount;
-         child = child.nextSiblingElement(), ++index) {
-        stRingItem &item = ring.Item[index];
-        item.id = attrI16(child, "id");
-        if (item.id == 2)
-            copyTextField(item.func, child.text().toUtf8().constData());
-    }
+    const int group = groupIndexFromTag(element.tagName());
+    if (group >= 0)
+        readKeyGroup(element, node.KeyGroup[group], nullptr);
 }
 
 // Applications of one section, linked in file order; a later record with
@@ -329,8 +268,7 @@ void XMLHelp::SaveConfig(stTablet_XMLData *data, QMap<QString, _stAppConfigNode 
     if (!parseForSave(file, document))
         return;
     file.close();
-    const QDomElement section =
-        findSection(document.documentElement(), fieldText(data->szPidName, sizeof data->szPidName));
+    const QDomElement section = findSection(document.documentElement(), fieldText(data->szPidName));
     if (section.isNull()) {
         qDebug() << "can not find the pid xml.";
         return;
@@ -378,7 +316,7 @@ void XMLHelp::CreateFileNotesNode(QDomDocument &doc, QDomElement &root,
     root.appendChild(deviceRing(doc, node->Ring[0]));
 }
 
-// "path" is not read, so a record filled here has no path of its own.
+// Neither "path" nor the wheel's own "id" is read: both stay zero.
 bool XMLHelp::ReadDeviceConfigFileToAppConfig(QByteArray data, _stAppConfigNode &node)
 {
     memset(&node, 0, sizeof node);
@@ -400,9 +338,9 @@ bool XMLHelp::ReadDeviceConfigFileToAppConfig(QByteArray data, _stAppConfigNode 
         if (tag.contains('K'))
             readDeviceKeyGroup(child, node);
         else if (tag == "SelectID")
-            node.SelectID = toI16(child.text());
+            node.SelectID = child.text().toShort(nullptr, 10);
         else if (tag == "R")
-            readDeviceRing(child, node.Ring[0]);
+            readRingItems(child, node.Ring[0]);
     }
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "cglobaldata.h"
 #include "scriboradialog.h"
+#include "textfield.h"
 #include "ui_settingform.h"
 
 #include <QDebug>
@@ -24,12 +25,6 @@ QString driverVersionFromLabel(const QString &versionText)
     const int bracket = versionText.indexOf('(');
     const QString version = bracket < 0 ? versionText : versionText.left(bracket);
     return version.mid(version.indexOf(':') + 1);
-}
-
-// Device strings need not end in a zero.
-QString identityText(const char (&text)[kIdentitySize])
-{
-    return QString::fromUtf8(text, static_cast<int>(qstrnlen(text, kIdentitySize)));
 }
 
 QString systemText()
@@ -109,9 +104,9 @@ QString SettingForm::FeedbackUrl() const
     _DEVICE_ATTRIBUTES none{};
     const _DEVICE_ATTRIBUTES &device = m_Tablet ? m_Tablet->m_DeviceAttributes : none;
     return kFeedbackPage + "drive_lang=" + m_Language +
-           "&product_name=" + identityText(device.ShowName) +
-           "&firmware_version=" + identityText(device.ICVersion) + "&drive_version=V" +
-           m_DriverVersion + "&serial_number=" + identityText(device.SerialNumber) +
+           "&product_name=" + fieldText(device.ShowName) +
+           "&firmware_version=" + fieldText(device.ICVersion) + "&drive_version=V" +
+           m_DriverVersion + "&serial_number=" + fieldText(device.SerialNumber) +
            "&system_version=" + systemText();
 }
 
