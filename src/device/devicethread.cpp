@@ -1,5 +1,8 @@
 #include "devicethread.h"
 
+#include "devicecommands.h"
+#include "reportprotocol.h"
+
 #include <QDebug>
 #include <QMutexLocker>
 #include <cstring>
@@ -20,7 +23,7 @@ void DeviceThread::run()
         if (result == 0)
             continue;
         if (result > 0) {
-            if (report[0] == 2 || report[0] == 3)
+            if (report[0] == kReportIdTablet || report[0] == kReportIdKeys)
                 emit MySentTabletPackets(report, result);
             else
                 logDroppedReport(report);
@@ -53,7 +56,7 @@ void DeviceThread::reportFatalError(int result)
 
 void DeviceThread::LinuxRelease()
 {
-    unsigned char release[10] = {0x02, 0xB0, 0x02};
+    unsigned char release[kStartFrameLength] = {kReportIdTablet, kKindStart, kReportModeSystem};
     if (m_Device) {
         QMutexLocker lock(m_WriteLock);
         hid_write(m_Device, release, sizeof release);
