@@ -1,8 +1,12 @@
 #include "ctablet.h"
 
+#include "actionmessages.h"
 #include "caction.h"
 #include "cglobaldata.h"
 #include "ctipsink.h"
+#include "devicecommands.h"
+#include "penstatus.h"
+#include "reportprotocol.h"
 #include "textfield.h"
 #include "xmlhelp.h"
 
@@ -22,45 +26,14 @@ namespace
 // report path pays one flag test for it.
 Q_LOGGING_CATEGORY(lcReports, "scribora.reports", QtInfoMsg)
 
-constexpr quint8 kLightReply = 0xB4;
-constexpr quint8 kBatteryReport = 0xF2;
-constexpr quint8 kDeviceInformation = 0x06;
-constexpr quint8 kConnectionNotice = 0xF8;
-constexpr quint8 kStartReply = 0xB0;
-constexpr quint8 kFileReply = 0xB6;
-constexpr quint8 kDisplayReply = 0xB5;
-
-constexpr quint8 kInfoProductName = 0x02;
-constexpr quint8 kInfoSerialNumber = 0x03;
-constexpr quint8 kInfoICVersion = 0x04;
-constexpr quint8 kInfoICData = 0x05;
-constexpr quint8 kInfoTabletType = 0x6E;
-constexpr quint8 kInfoSecondSerial = 0x83;
-constexpr quint8 kInfoRanges = 0x64;
 constexpr int kInfoPayload = 4;
 // Longer range replies carry bits 16 to 23 of both ranges in bytes 14 and 15.
 constexpr int kShortRangeReply = 15;
 
-constexpr int kMsgBattery = 88;
-constexpr int kMsgPenChange = 89;
-constexpr int kMsgWirelessConnected = 100;
-
-constexpr int kOpWriteAccepted = 1;
-constexpr int kOpWriteConfirmed = 3;
-constexpr int kOpWriteRefused = 4;
-constexpr int kOpReadHeader = 5;
-constexpr int kOpReadProgress = 6;
-constexpr int kOpReadDone = 7;
-constexpr int kOpReadFailed = 8;
-constexpr int kOpReadOtherMark = 9;
-constexpr int kOpReadNoFile = 10;
 constexpr int kFileDataStart = 3;
 
 constexpr int kWirelessProducts[] = {0xA101, 0xA102};
 constexpr int kPenReplayProduct = 0x07C9;
-constexpr uint8_t kPenLeft = 0xC0;
-constexpr uint8_t kPenTip = 0xA0;
-constexpr uint8_t kPenEraser = 0xA8;
 constexpr int kPenMaskBits = 16;
 
 // A copy never reads past the frame, even from the longest field.
@@ -109,21 +82,21 @@ template <size_t N> void copyReplyBytes(uint8_t (&field)[N], const quint8 *paylo
 std::pair<int, int> displayMessage(const quint8 *frame)
 {
     switch (frame[3]) {
-    case 3:
-        return {117, 6};
-    case 4:
-        return {118, 6};
-    case 1:
+    case kDisplayBrightness:
+        return {kMsgBrightness, 6};
+    case kDisplayContrast:
+        return {kMsgContrast, 6};
+    case kDisplayColour:
         break;
     default:
         return {0, 0};
     }
-    if (frame[4] == 1)
-        return {111, 6};
-    if (frame[4] == 2)
-        return {112, 6};
-    if (frame[4] == 3 && frame[5] == 1 && frame[6] >= 1 && frame[6] <= 3)
-        return {112 + frame[6], 7};
+    if (frame[4] == kColourSpace)
+        return {kMsgColourSpace, 6};
+    if (frame[4] == kColourTemperature)
+        return {kMsgColourTemperature, 6};
+    if (frame[4] == kColourGain && frame[5] == 1 && frame[6] >= 1 && frame[6] <= 3)
+        return {kMsgRedGain - 1 + frame[6], 7};
     return {0, 0};
 }
 
@@ -187,25 +160,25 @@ void CTablet::ReceiveTabletPackets(quint8 *packet, int length)
 bool CTablet::takeReply(const quint8 *frame, int length)
 {
     switch (frame[1]) {
-    case kLightReply:
+    case kKindLights:
         onLightReply(frame);
         return true;
-    case kBatteryReport:
+    case kKindBattery:
         onBattery(frame);
         return true;
-    case kDeviceInformation:
+    case kKindDeviceInfo:
         onDeviceInformation(frame, length);
         return true;
-    case kConnectionNotice:
+    case kKindConnection:
         onConnectionNotice(frame);
         return false;
-    case kStartReply:
+    case kKindStart:
         onStartReply(frame);
         return false;
-    case kFileReply:
+    case kKindFile:
         onFileReply(frame, length);
         return false;
-    case kDisplayReply:
+    case kKindDisplay:
         onDisplayReply(frame);
         return false;
     default:
@@ -216,15 +189,15 @@ bool CTablet::takeReply(const quint8 *frame, int length)
 // Woken without the mutex: the waiter in InitTablet treats its wait as a hint.
 void CTablet::onLightReply(const quint8 *frame)
 {
-    if (frame[2] != 1 || frame[3] != 0)
+    if (frame[2] != kLightsValue || frame[3] != kLightsAsk)
         return;
     const short value = frame[5];
-    if (frame[4] == 2) {
+    if (frame[4] == kLightTablet) {
         m_DeviceAttributes.TabletLight = value;
         m_ReplyCondition.wakeAll();
         qDebug() << "TabletLightValue" << value;
         emit SentTabletLightData(this);
-    } else if (frame[4] == 1) {
+    } else if (frame[4] == kLightWheel) {
         m_DeviceAttributes.WheelLight = value;
         m_ReplyCondition.wakeAll();
         qDebug() << "WheelLightValue" << value;
@@ -305,12 +278,12 @@ void CTablet::onConnectionNotice(const quint8 *frame)
     if (frame[2] != 2 || frame[3] != 1)
         return;
     if (m_ReportMode != 0)
-        SentCmd(3, m_ReportMode, 0);
+        SentCmd(kCmdReportMode, m_ReportMode, 0);
     if (std::find(std::begin(kWirelessProducts), std::end(kWirelessProducts), m_ProductId) ==
         std::end(kWirelessProducts))
         return;
-    SentCmd(0, 1, 0);
-    SentCmd(0, 2, 0);
+    SentCmd(kCmdAskLight, kLightWheel, 0);
+    SentCmd(kCmdAskLight, kLightTablet, 0);
     ReceivActionMsg(m_Index, kMsgWirelessConnected, 0);
 }
 
@@ -333,23 +306,23 @@ void CTablet::onFileReply(const quint8 *frame, int length)
 {
     const quint8 stage = frame[2];
     const quint8 code = frame[3];
-    if (stage == 1) {
+    if (stage == kFileStageWrite) {
         onWriteAccepted(code);
-    } else if (stage == 0) {
+    } else if (stage == kFileStageRead) {
         if (code == 0)
             return;
-        if (code == 1 && !m_Receiving)
+        if (code == kFileReadHeader && !m_Receiving)
             readFileHeader(frame);
         else
             collectFileData(frame, length);
-    } else if (stage == 2) {
+    } else if (stage == kFileStageEnd) {
         endFileTransfer(code);
     }
 }
 
 void CTablet::onWriteAccepted(quint8 code)
 {
-    if (code != 1)
+    if (code != kFileAccepted)
         return;
     m_IncomingSize = 0;
     m_Sending = true;
@@ -391,7 +364,7 @@ void CTablet::collectFileData(const quint8 *frame, int length)
 
 void CTablet::endFileTransfer(quint8 code)
 {
-    if (code == 2) {
+    if (code == kFileStored) {
         if (m_Sending) {
             m_Sending = false;
             emit PostDeviceOperatorMsg(kOpWriteConfirmed, 2);
@@ -399,7 +372,7 @@ void CTablet::endFileTransfer(quint8 code)
         failShortRead();
         return;
     }
-    if (code != 0) {
+    if (code != kFileEnded) {
         failShortRead();
         return;
     }
@@ -497,10 +470,10 @@ void CTablet::replayPenEntry()
 {
     static uint8_t oldPenState = 0;
     const uint8_t status = m_TabletData.penStatus;
-    if ((m_TabletData.eventFlags & kEventPen) && oldPenState == kPenLeft &&
-        (status == kPenEraser || status == kPenTip)) {
-        qDebug() << (status == kPenEraser ? "oldPenState==0xc0---补A8"
-                                          : "oldPenState==0xc0---补A0");
+    if ((m_TabletData.eventFlags & kEventPen) && oldPenState == kPenStatusLeave &&
+        (status == kPenStatusEraserHover || status == kPenStatusPenHover)) {
+        qDebug() << (status == kPenStatusEraserHover ? "oldPenState==0xc0---补A8"
+                                                     : "oldPenState==0xc0---补A0");
         m_Action->ActionTabletData(m_TabletData, m_DeviceAttributes, m_TabletXMLData, m_AppConfigs);
     }
     oldPenState = status;

@@ -2,8 +2,10 @@
 
 #include "caction.h"
 #include "cglobaldata.h"
+#include "devicecommands.h"
 #include "devicethread.h"
 #include "hidrawstring.h"
+#include "reportprotocol.h"
 #include "textfield.h"
 #include "xmlhelp.h"
 
@@ -145,11 +147,11 @@ void CUSBTablet::sendStartPacket(const ZelkDevice &row)
 {
     unsigned char packet[kFrameSize] = {};
     const bool keyboardRemote = row.deviceType == DeviceTypeRemote && row.pid == 0x3E1;
-    packet[0] = keyboardRemote ? 0x03 : 0x02;
-    packet[1] = keyboardRemote ? 0x01 : 0xB0;
+    packet[0] = keyboardRemote ? kReportIdKeys : kReportIdTablet;
+    packet[1] = keyboardRemote ? kKindKeyboardStart : kKindStart;
     packet[2] = static_cast<unsigned char>(row.reportMode);
     m_ReportMode = static_cast<short>(row.reportMode);
-    writeReport(packet, 10);
+    writeReport(packet, kStartFrameLength);
 }
 
 void CUSBTablet::startReader()
@@ -169,12 +171,12 @@ void CUSBTablet::startReader()
 void CUSBTablet::askLights()
 {
     m_ReplyMutex.lock();
-    SentCmd(0, 1, 0);
+    SentCmd(kCmdAskLight, kLightWheel, 0);
     const bool answered = m_ReplyCondition.wait(&m_ReplyMutex, kStartReplyWaitMs);
     if (!answered)
         qDebug() << "SentCmd(0,1,0) Failed";
     m_ReplyMutex.unlock();
-    SentCmd(0, 2, 0);
+    SentCmd(kCmdAskLight, kLightTablet, 0);
     if (answered)
         qDebug() << "SentCmd(0,2,0) OK";
 }
@@ -206,54 +208,55 @@ void CUSBTablet::SentCmd(int command, int p1, int p2)
 {
     if (!m_HidDevice)
         return;
-    unsigned char frame[kFrameSize] = {0x02};
+    unsigned char frame[kFrameSize] = {kReportIdTablet};
     const auto b1 = static_cast<unsigned char>(p1);
     const auto b2 = static_cast<unsigned char>(p2);
     auto display = [&](std::initializer_list<unsigned char> bytes) {
         if (!displayCommandsAllowed())
             return;
-        frame[1] = 0xB5;
+        frame[1] = kKindDisplay;
         std::copy(bytes.begin(), bytes.end(), frame + 2);
-        writeReport(frame, 10);
+        writeReport(frame, kDisplayFrameLength);
     };
     auto lights = [&](std::initializer_list<unsigned char> bytes) {
-        frame[1] = 0xB4;
+        frame[1] = kKindLights;
         std::copy(bytes.begin(), bytes.end(), frame + 2);
-        writeReport(frame, 12);
+        writeReport(frame, kLightsFrameLength);
     };
     switch (command) {
-    case 0:
+    case kCmdAskLight:
         if (m_DeviceAttributes.TabletType[2] & kLightCapability)
-            lights({0x01, 0x00, b1});
+            lights({kLightsValue, kLightsAsk, b1});
         return;
-    case 1:
-        return lights({0x01, 0x01, b1, b2});
-    case 2:
-        return lights({0x02, 0x01, 0x00, b1, static_cast<unsigned char>(p1 == 1 ? p2 : 0)});
-    case 3:
+    case kCmdSetLight:
+        return lights({kLightsValue, kLightsSet, b1, b2});
+    case kCmdTouchStrip:
+        return lights({kLightsTouchStrip, kLightsSet, 0x00, b1,
+                       static_cast<unsigned char>(p1 == kStripTouch ? p2 : 0)});
+    case kCmdReportMode:
         qInfo() << "SentCmd--" << p1;
-        frame[1] = 0xB0;
+        frame[1] = kKindStart;
         frame[2] = b1;
-        writeReport(frame, 10);
+        writeReport(frame, kStartFrameLength);
         return;
-    case 110:
-        return display({0x00, 0xF0});
-    case 111:
-        return display({b1, 0x01, 0x01, 0x00, b2});
-    case 112:
-        return display({b1, 0x01, 0x02, 0x00, b2});
-    case 113:
-        return display({b1, 0x01, 0x03, 0x01, 0x01, b2});
-    case 114:
-        return display({b1, 0x01, 0x03, 0x01, 0x02, b2});
-    case 115:
-        return display({b1, 0x01, 0x03, 0x01, 0x03, b2});
-    case 117:
-        return display({b1, 0x03, 0x00, 0x00, b2});
-    case 118:
-        return display({b1, 0x04, 0x00, 0x00, b2});
-    case 119:
-        return display({b1, 0x07, 0x00, 0x00, 0x00});
+    case kCmdDisplayState:
+        return display({0x00, kDisplayState});
+    case kCmdColourSpace:
+        return display({b1, kDisplayColour, kColourSpace, 0x00, b2});
+    case kCmdColourTemperature:
+        return display({b1, kDisplayColour, kColourTemperature, 0x00, b2});
+    case kCmdRedGain:
+        return display({b1, kDisplayColour, kColourGain, 0x01, 0x01, b2});
+    case kCmdGreenGain:
+        return display({b1, kDisplayColour, kColourGain, 0x01, 0x02, b2});
+    case kCmdBlueGain:
+        return display({b1, kDisplayColour, kColourGain, 0x01, 0x03, b2});
+    case kCmdBrightness:
+        return display({b1, kDisplayBrightness, 0x00, 0x00, b2});
+    case kCmdContrast:
+        return display({b1, kDisplayContrast, 0x00, 0x00, b2});
+    case kCmdDisplayReset:
+        return display({b1, kDisplayReset, 0x00, 0x00, 0x00});
     default:
         return;
     }
@@ -263,14 +266,15 @@ void CUSBTablet::SentSaveFileCmd(int mode, unsigned char *data, int length)
 {
     if (!m_HidDevice)
         return;
-    unsigned char frame[kFrameSize] = {0x02, 0xB6, static_cast<unsigned char>(mode)};
-    if (mode == 1) {
+    unsigned char frame[kFrameSize] = {kReportIdTablet, kKindFile,
+                                       static_cast<unsigned char>(mode)};
+    if (mode == kSaveFileBegin) {
         for (int i = 0; i < 4; ++i)
             frame[3 + i] = static_cast<unsigned char>(static_cast<uint32_t>(length) >> (8 * i));
-        writeReport(frame, 32);
-    } else if (mode == 2) {
-        writeReport(frame, 32);
-    } else if (mode == 3) {
+        writeReport(frame, kFileWriteFrameLength);
+    } else if (mode == kSaveFileEnd) {
+        writeReport(frame, kFileWriteFrameLength);
+    } else if (mode == kSaveFileChunk) {
         if (length < 0 || length > kFrameSize - 3 || (length > 0 && !data))
             return;
         if (length > 0)
@@ -285,16 +289,16 @@ void CUSBTablet::SentReadFileCmd(int mode, int value)
 {
     if (!m_HidDevice)
         return;
-    unsigned char frame[kFrameSize] = {0x02, 0xB6};
-    if (mode == 1) {
+    unsigned char frame[kFrameSize] = {kReportIdTablet, kKindFile, kFileStageRead};
+    if (mode == kReadFileHeader) {
         m_Receiving = false;
-        frame[3] = 0x01;
-    } else if (mode == 2) {
-        frame[3] = static_cast<unsigned char>(value ? value : 2);
+        frame[3] = kFileReadHeader;
+    } else if (mode == kReadFileData) {
+        frame[3] = static_cast<unsigned char>(value ? value : kFileReadData);
     } else {
-        frame[2] = 0x02;
+        frame[2] = kFileStageEnd;
     }
-    writeReport(frame, 10);
+    writeReport(frame, kFileReadFrameLength);
 }
 
 // The device answers with 02 B6 01 01, and the window then sends the image.
@@ -302,7 +306,7 @@ void CUSBTablet::SaveConfigToDevice(QString name, _stAppConfigNode *node)
 {
     if (m_XMLHelp)
         m_OutgoingFile = m_XMLHelp->SaveConfigToDevice(name.toLatin1().constData(), node);
-    SentSaveFileCmd(1, nullptr, m_OutgoingFile.size());
+    SentSaveFileCmd(kSaveFileBegin, nullptr, m_OutgoingFile.size());
 }
 
 void CUSBTablet::DelTablet()

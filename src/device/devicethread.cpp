@@ -1,5 +1,8 @@
 #include "devicethread.h"
 
+#include "devicecommands.h"
+#include "reportprotocol.h"
+
 #include <QDebug>
 #include <QMutexLocker>
 #include <cstring>
@@ -53,7 +56,7 @@ void DeviceThread::reportFatalError(int result)
 
 void DeviceThread::LinuxRelease()
 {
-    unsigned char release[10] = {0x02, 0xB0, 0x02};
+    unsigned char release[kStartFrameLength] = {kReportIdTablet, kKindStart, kReportModeSystem};
     if (m_Device) {
         QMutexLocker lock(m_WriteLock);
         hid_write(m_Device, release, sizeof release);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "reportprotocol.h"
+
 #include <QMutex>
 #include <QThread>
 #include <atomic>
@@ -17,7 +19,10 @@ public:
 
     void LinuxRelease();
     // Input reports go on; any other report id is logged and dropped.
-    static bool PassesOn(const quint8 *report) { return report[0] == 2 || report[0] == 3; }
+    static bool PassesOn(const quint8 *report)
+    {
+        return report[0] == kReportIdTablet || report[0] == kReportIdKeys;
+    }
     int errorCount() const { return m_ErrorCount; }
 
     static constexpr int kReportSize = 64;

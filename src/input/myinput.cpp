@@ -1,5 +1,8 @@
 #include "myinput.h"
 
+#include "actionids.h"
+#include "penstatus.h"
+
 #include <QDebug>
 #include <QTime>
 #include <chrono>
@@ -22,7 +25,6 @@ constexpr uint16_t kProduct = 2;
 constexpr uint16_t kSetupVersion = 0x100;
 constexpr uint16_t kUserDevVersion = 1;
 constexpr unsigned kFirstModernVersion = 5;
-constexpr uint8_t kStatusLeave = 0xC0;
 constexpr int kLastPen = 0;
 constexpr int kLastMouse = 1;
 constexpr int kLastReserved = 2;
@@ -358,7 +360,7 @@ void MyInput::UpdateDigit(uint8_t status, uint16_t x, uint16_t y, uint16_t press
     static int oldCode = 0;
     if (status == 0)
         return;
-    const bool leaving = status == kStatusLeave;
+    const bool leaving = status == kPenStatusLeave;
     bool useEraser = eraser;
     if (leaving) {
         press = 0;
@@ -400,7 +402,7 @@ void MyInput::UpdateRelMouse(uint8_t status, int16_t dx, int16_t dy)
     const input_event events[] = {
         makeEvent(stamp, EV_REL, REL_X, dx),
         makeEvent(stamp, EV_REL, REL_Y, dy),
-        makeEvent(stamp, EV_KEY, BTN_LEFT, status & 1),
+        makeEvent(stamp, EV_KEY, BTN_LEFT, status & kPenStatusTip),
         makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
     };
     writeEvents(m_relFd, events);
@@ -436,26 +438,26 @@ void MyInput::DoMouseFunc(int id, bool pressed, bool flag)
         qInfo("DoMouseFunc %d true", id);
     const int fd = m_lastDevice == kLastMouse ? m_relFd : m_absFd;
     switch (id) {
-    case 1:
+    case kMouseLeftClick:
         clickButton(fd, BTN_LEFT, pressed);
         break;
-    case 2:
+    case kMouseRightClick:
         qDebug().noquote() << "BTN_RIGHT" << pressed
                            << QTime::currentTime().toString(QStringLiteral("mm:ss:zzz"));
         clickButton(fd, BTN_RIGHT, pressed);
         break;
-    case 3:
+    case kMouseMiddleClick:
         clickMiddle(fd, pressed);
         break;
-    case 4:
+    case kMouseDoubleClick:
         if (pressed)
             doubleClick(fd);
         break;
-    case 5:
+    case kMouseWheelUp:
         if (pressed)
             UpdateWheelRel(m_relFd, flag ? 0 : 1);
         break;
-    case 6:
+    case kMouseWheelDown:
         if (pressed)
             UpdateWheelRel(m_relFd, flag ? 0 : -1);
         break;

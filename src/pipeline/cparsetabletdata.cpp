@@ -1,5 +1,8 @@
 #include "cparsetabletdata.h"
 
+#include "penstatus.h"
+#include "reportprotocol.h"
+
 #include <QDebug>
 
 #include <cstring>
@@ -7,11 +10,6 @@
 namespace
 {
 
-constexpr uint8_t kKeyReportId = 6;
-constexpr uint8_t kKindPenIdentity = 0xF6;
-constexpr uint8_t kKindKeys = 0xF0;
-constexpr uint8_t kKindPenLeave = 0xC0;
-constexpr uint8_t kKindKeyboardIdle = 1;
 constexpr int kKeyboardRemotePid = 0x3E1;
 constexpr int kM07RemotePid = 0x3E2;
 constexpr int kInvertedWheelPid = 0x0A1;
@@ -109,7 +107,7 @@ int CParseTabletData::ParseData(unsigned char *report, int length, TabletDataEX 
     if (!out || !report)
         return 0;
     out->eventFlags = 0;
-    if (report[0] == kKeyReportId && ChangeDataToKeyState(report, out->keys))
+    if (report[0] == kReportIdKeyBits && ChangeDataToKeyState(report, out->keys))
         out->eventFlags |= kEventKeys;
     const uint8_t kind = report[1];
     if (kind == kKindPenIdentity) {
@@ -118,7 +116,7 @@ int CParseTabletData::ParseData(unsigned char *report, int length, TabletDataEX 
     }
     if (kind == kKindKeys)
         return parseKeysAndWheels(report, out);
-    if (kind == kKindPenLeave || (kind & 0x30) == 0x20)
+    if (kind == kPenStatusLeave || (kind & kPenStatusInRangeMask) == kPenStatusInRange)
         return parsePen(report, length, out);
     if (out->productId == kKeyboardRemotePid)
         return parseKeyboardRemote(report, out);
@@ -140,7 +138,7 @@ void CParseTabletData::parsePenIdentity(const unsigned char *report)
 
 int CParseTabletData::parsePen(const unsigned char *report, int length, TabletDataEX *out)
 {
-    decodePenButtons(report[1] & 0x0F, out);
+    decodePenButtons(report[1] & kPenStatusButtons, out);
     out->eventFlags |= kEventPen;
     out->x = report[2] | report[3] << 8;
     out->y = report[4] | report[5] << 8;
@@ -219,8 +217,9 @@ int CParseTabletData::ChangeDataToKeyState(const unsigned char *report, TabletKe
         return 0;
     keys = TabletKeyData{};
     std::memcpy(keys.previous, m_KeyState, sizeof m_KeyState);
-    const bool anyDown = report[0] == kKeyReportId ? readKeyBits(report, 1, 32, keys)
-                                                   : readKeyBits(report, 2, kTabletKeyCount, keys);
+    const bool anyDown = report[0] == kReportIdKeyBits
+                             ? readKeyBits(report, 1, 32, keys)
+                             : readKeyBits(report, 2, kTabletKeyCount, keys);
     if (!anyDown && !clearKeyActive())
         return 0;
     storeKeys(keys);

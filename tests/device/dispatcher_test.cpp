@@ -1,4 +1,6 @@
+#include "actionmessages.h"
 #include "cusbtablet.h"
+#include "devicecommands.h"
 #include "devicefixture.h"
 #include "xmlhelp.h"
 
@@ -122,7 +124,7 @@ TEST_F(Dispatcher, BatteryStoresThePercentAndPostsTheChargeState)
     QSignalSpy spy = actionSpy();
     feed(m_Tablet, {0x02, 0xF2, 0x00, 0x4B, 0x01});
     EXPECT_EQ(m_Tablet.m_BatteryValue, 75);
-    EXPECT_EQ(messages(spy, 88), (std::vector<Op>{{3, 1}}));
+    EXPECT_EQ(messages(spy, kMsgBattery), (std::vector<Op>{{3, 1}}));
 }
 
 struct InfoCase {
@@ -302,13 +304,14 @@ TEST_P(DisplayReply, PostsItsSetting)
 INSTANTIATE_TEST_SUITE_P(
     Dispatcher, DisplayReply,
     ::testing::Values(
-        DisplayCase{"brightness", {0x02, 0xB5, 0x01, 0x03, 0x00, 0x00, 0x50}, 117, 0x50},
-        DisplayCase{"contrast", {0x02, 0xB5, 0x01, 0x04, 0x00, 0x00, 0x2A}, 118, 42},
-        DisplayCase{"colourSpace", {0x02, 0xB5, 0x01, 0x01, 0x01, 0x00, 0x03}, 111, 3},
-        DisplayCase{"temperature", {0x02, 0xB5, 0x01, 0x01, 0x02, 0x00, 0x05}, 112, 5},
-        DisplayCase{"red", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x01, 0xC8}, 113, 200},
-        DisplayCase{"green", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x02, 0x64}, 114, 100},
-        DisplayCase{"blue", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x03, 0x10}, 115, 16},
+        DisplayCase{"brightness", {0x02, 0xB5, 0x01, 0x03, 0x00, 0x00, 0x50}, kMsgBrightness, 0x50},
+        DisplayCase{"contrast", {0x02, 0xB5, 0x01, 0x04, 0x00, 0x00, 0x2A}, kMsgContrast, 42},
+        DisplayCase{"colourSpace", {0x02, 0xB5, 0x01, 0x01, 0x01, 0x00, 0x03}, kMsgColourSpace, 3},
+        DisplayCase{
+            "temperature", {0x02, 0xB5, 0x01, 0x01, 0x02, 0x00, 0x05}, kMsgColourTemperature, 5},
+        DisplayCase{"red", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x01, 0xC8}, kMsgRedGain, 200},
+        DisplayCase{"green", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x02, 0x64}, kMsgGreenGain, 100},
+        DisplayCase{"blue", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x03, 0x10}, kMsgBlueGain, 16},
         DisplayCase{"colourNotByte5One", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x02, 0x01, 0xC8}, 0, 0},
         DisplayCase{"colourFour", {0x02, 0xB5, 0x01, 0x01, 0x03, 0x01, 0x04, 0xC8}, 0, 0},
         DisplayCase{"reset", {0x02, 0xB5, 0x01, 0x07, 0x00, 0x00, 0x00}, 0, 0}),
@@ -344,7 +347,7 @@ TEST_P(PenChange, FollowsTheMasks)
     feed(m_Tablet, c.report);
     const std::vector<Op> expected =
         c.announced ? std::vector<Op>{{3, c.curPen}} : std::vector<Op>{};
-    EXPECT_EQ(messages(spy, 89), expected);
+    EXPECT_EQ(messages(spy, kMsgPenChange), expected);
     EXPECT_EQ(settings.DeviceCurPenID, c.curPen);
     EXPECT_EQ(settings.PenMoveInTablet, c.moveMaskAfter);
     EXPECT_EQ(m_Tablet.m_PenSeenMask, c.seenMaskAfter);
@@ -451,43 +454,57 @@ TEST_P(FileTransfer, FollowsTheReplies)
 INSTANTIATE_TEST_SUITE_P(
     Dispatcher, FileTransfer,
     ::testing::Values(
-        TransferCase{"writeConfirmed", {kWriteAccepted, ending(2)}, {{1, 0}, {3, 2}}, false, ""},
+        TransferCase{"writeConfirmed",
+                     {kWriteAccepted, ending(2)},
+                     {{kOpWriteAccepted, 0}, {kOpWriteConfirmed, 2}},
+                     false,
+                     ""},
         TransferCase{"writeAcceptNeedsCodeOne", {{0x02, 0xB6, 0x01, 0x00}}, {}, false, ""},
         // The empty read that a refusal ends fails as well.
-        TransferCase{
-            "writeRefused", {kWriteAccepted, ending(0)}, {{1, 0}, {4, 0}, {8, 1}}, false, ""},
+        TransferCase{"writeRefused",
+                     {kWriteAccepted, ending(0)},
+                     {{kOpWriteAccepted, 0}, {kOpWriteRefused, 0}, {kOpReadFailed, 1}},
+                     false,
+                     ""},
         TransferCase{"confirmWithoutWrite", {ending(2)}, {}, false, ""},
-        TransferCase{"headerWithMark", {header(300, 0)}, {{5, 300}}, true, ""},
-        TransferCase{"headerWithOtherMark", {header(300, 7)}, {{9, 0}}, true, ""},
-        TransferCase{"noFile", {header(0, 0), ending(0)}, {{10, 0}, {4, 0}, {8, 1}}, false, ""},
+        TransferCase{"headerWithMark", {header(300, 0)}, {{kOpReadHeader, 300}}, true, ""},
+        TransferCase{"headerWithOtherMark", {header(300, 7)}, {{kOpReadOtherMark, 0}}, true, ""},
+        TransferCase{"noFile",
+                     {header(0, 0), ending(0)},
+                     {{kOpReadNoFile, 0}, {kOpWriteRefused, 0}, {kOpReadFailed, 1}},
+                     false,
+                     ""},
         // 4 of 6 bytes: 66 %; then 7 of 6, above 100 %, and 'e' is past the size.
         TransferCase{"zeroAndFFCountButAreDropped",
                      {header(6, 0), dataFrame({'a', 0x00, 0xFF, 'b'}), dataFrame({'c', 'd', 'e'})},
-                     {{5, 6}, {6, 66}},
+                     {{kOpReadHeader, 6}, {kOpReadProgress, 66}},
                      true,
                      "abcd"},
         // Six bytes 01 02 00 00 00 00 of 10: 60 %.
         TransferCase{"secondHeaderIsData",
                      {header(10, 0), header(10, 0)},
-                     {{5, 10}, {6, 60}},
+                     {{kOpReadHeader, 10}, {kOpReadProgress, 60}},
                      true,
                      QByteArray("\x01\x0A", 2)},
         TransferCase{"dataWhileIdle", {dataFrame({'a', 'b'})}, {}, false, ""},
-        TransferCase{
-            "dataStartingWithZero", {header(10, 0), dataFrame({0x00, 'a'})}, {{5, 10}}, true, ""},
+        TransferCase{"dataStartingWithZero",
+                     {header(10, 0), dataFrame({0x00, 'a'})},
+                     {{kOpReadHeader, 10}},
+                     true,
+                     ""},
         TransferCase{"shortReadConfirmed",
                      {header(10, 0), dataFrame({'a', 'b', 'c'}), ending(2)},
-                     {{5, 10}, {6, 30}, {8, 10}},
+                     {{kOpReadHeader, 10}, {kOpReadProgress, 30}, {kOpReadFailed, 10}},
                      false,
                      "abc"},
         TransferCase{"shortReadEnded",
                      {header(10, 0), dataFrame({'a', 'b', 'c'}), ending(0)},
-                     {{5, 10}, {6, 30}, {8, 10}},
+                     {{kOpReadHeader, 10}, {kOpReadProgress, 30}, {kOpReadFailed, 10}},
                      false,
                      "abc"},
         TransferCase{"notXml",
                      {header(4, 0), dataFrame({'a', 'b', 'c', 'd'}), ending(0)},
-                     {{5, 4}, {6, 100}, {8, 1}},
+                     {{kOpReadHeader, 4}, {kOpReadProgress, 100}, {kOpReadFailed, 1}},
                      false,
                      ""},
         TransferCase{"otherStage", {{0x02, 0xB6, 0x03, 0x01}}, {}, false, ""}),
@@ -535,10 +552,10 @@ TEST_F(DeviceRead, ACompleteFileFillsTheIncomingNode)
 
     const std::vector<Op> seen = read(file);
     ASSERT_GE(seen.size(), 3u);
-    EXPECT_EQ(seen.front(), Op(5, file.size()));
-    EXPECT_EQ(seen.back(), Op(7, 1));
+    EXPECT_EQ(seen.front(), Op(kOpReadHeader, file.size()));
+    EXPECT_EQ(seen.back(), Op(kOpReadDone, 1));
     for (size_t i = 1; i + 1 < seen.size(); ++i) {
-        EXPECT_EQ(seen[i].first, 6);
+        EXPECT_EQ(seen[i].first, kOpReadProgress);
         EXPECT_LE(seen[i].second, 100);
     }
     const _stAppConfigNode &incoming = *m_Tablet.m_IncomingNode;
@@ -556,7 +573,7 @@ TEST_F(DeviceRead, ABrokenFileKeepsThePreviousNode)
     m_Tablet.m_IncomingNode->SelectID = 3;
     strcpy(m_Tablet.m_IncomingNode->KeyGroup[0].Key[0].func, "kept");
     // One padded frame counts 61 bytes of 13: 469 %, so no progress is told.
-    EXPECT_EQ(read("<QRM07App><K>"), (std::vector<Op>{{5, 13}, {8, 1}}));
+    EXPECT_EQ(read("<QRM07App><K>"), (std::vector<Op>{{kOpReadHeader, 13}, {kOpReadFailed, 1}}));
     EXPECT_EQ(m_Tablet.m_IncomingNode->SelectID, 3);
     EXPECT_STREQ(m_Tablet.m_IncomingNode->KeyGroup[0].Key[0].func, "kept");
 }
@@ -670,7 +687,7 @@ TEST_F(DeviceReplies, AWirelessDeviceAlsoAsksItsLightsAndTellsTheWindow)
               (std::vector<Bytes>{frame({0x02, 0xB0, 0x04}, 10),
                                   frame({0x02, 0xB4, 0x01, 0x00, 0x01}, 12),
                                   frame({0x02, 0xB4, 0x01, 0x00, 0x02}, 12)}));
-    EXPECT_EQ(messages(spy, 100), (std::vector<Op>{{1, 0}}));
+    EXPECT_EQ(messages(spy, kMsgWirelessConnected), (std::vector<Op>{{1, 0}}));
 }
 
 TEST_F(DeviceReplies, SavingToTheDeviceKeepsTheImageAndAnnouncesItsSize)

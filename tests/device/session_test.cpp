@@ -1,4 +1,5 @@
 #include "cusbtablet.h"
+#include "devicecommands.h"
 #include "devicefixture.h"
 #include "hidrawstring.h"
 
@@ -282,21 +283,32 @@ Bytes frame(size_t length, std::initializer_list<uint8_t> head)
 INSTANTIATE_TEST_SUITE_P(
     Session, Commands,
     ::testing::Values(
-        CommandCase{"askLightNeedsTheCapability", 0, 1, 0, {}},
-        CommandCase{"setLight", 1, 2, 9, frame(12, {0x02, 0xB4, 0x01, 0x01, 2, 9})},
-        CommandCase{"stripOrientation", 2, 1, 3, frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 1, 3})},
-        CommandCase{"stripModeThree", 2, 3, 3, frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 3, 0})},
-        CommandCase{"modeRelease", 3, 2, 0, frame(10, {0x02, 0xB0, 0x02})},
-        CommandCase{"displayState", 110, 1, 0, frame(10, {0x02, 0xB5, 0x00, 0xF0})},
-        CommandCase{"colourSpace", 111, 1, 4, frame(10, {0x02, 0xB5, 1, 0x01, 0x01, 0, 4})},
-        CommandCase{"colourTemperature", 112, 1, 5, frame(10, {0x02, 0xB5, 1, 0x01, 0x02, 0, 5})},
-        CommandCase{"red", 113, 1, 6, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x01, 6})},
-        CommandCase{"green", 114, 1, 7, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x02, 7})},
-        CommandCase{"blue", 115, 1, 8, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x03, 8})},
+        CommandCase{"askLightNeedsTheCapability", kCmdAskLight, kLightWheel, 0, {}},
+        CommandCase{"setLight", kCmdSetLight, kLightTablet, 9,
+                    frame(12, {0x02, 0xB4, 0x01, 0x01, 2, 9})},
+        CommandCase{"stripOrientation", kCmdTouchStrip, kStripTouch, 3,
+                    frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 1, 3})},
+        CommandCase{"stripModeThree", kCmdTouchStrip, kStripWheel, 3,
+                    frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 3, 0})},
+        CommandCase{"modeRelease", kCmdReportMode, kReportModeSystem, 0,
+                    frame(10, {0x02, 0xB0, 0x02})},
+        CommandCase{"displayState", kCmdDisplayState, 1, 0, frame(10, {0x02, 0xB5, 0x00, 0xF0})},
+        CommandCase{"colourSpace", kCmdColourSpace, 1, 4,
+                    frame(10, {0x02, 0xB5, 1, 0x01, 0x01, 0, 4})},
+        CommandCase{"colourTemperature", kCmdColourTemperature, 1, 5,
+                    frame(10, {0x02, 0xB5, 1, 0x01, 0x02, 0, 5})},
+        CommandCase{"red", kCmdRedGain, 1, 6,
+                    frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x01, 6})},
+        CommandCase{"green", kCmdGreenGain, 1, 7,
+                    frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x02, 7})},
+        CommandCase{"blue", kCmdBlueGain, 1, 8,
+                    frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x03, 8})},
         CommandCase{"reserved116", 116, 1, 8, {}},
-        CommandCase{"brightness", 117, 1, 80, frame(10, {0x02, 0xB5, 1, 0x03, 0, 0, 80})},
-        CommandCase{"contrast", 118, 1, 50, frame(10, {0x02, 0xB5, 1, 0x04, 0, 0, 50})},
-        CommandCase{"resetDisplay", 119, 1, 9, frame(10, {0x02, 0xB5, 1, 0x07, 0, 0, 0})},
+        CommandCase{"brightness", kCmdBrightness, 1, 80,
+                    frame(10, {0x02, 0xB5, 1, 0x03, 0, 0, 80})},
+        CommandCase{"contrast", kCmdContrast, 1, 50, frame(10, {0x02, 0xB5, 1, 0x04, 0, 0, 50})},
+        CommandCase{"resetDisplay", kCmdDisplayReset, 1, 9,
+                    frame(10, {0x02, 0xB5, 1, 0x07, 0, 0, 0})},
         CommandCase{"unknown", 42, 1, 1, {}}),
     [](const auto &info) { return std::string(info.param.name); });
 
@@ -312,9 +324,9 @@ TEST_F(Session, DisplayCommandsOnlyForNewerPenDisplays)
     CUSBTablet &display = open(tablet("old", olderDisplay, 1), olderDisplay);
     CUSBTablet &pad = open(tablet("pad", 0x0B40, 2), 0x0B40);
     const size_t before = fakeusb::writes().size();
-    display.SentCmd(117, 1, 50);
-    pad.SentCmd(117, 1, 50);
-    pad.SentCmd(110, 1, 0);
+    display.SentCmd(kCmdBrightness, 1, 50);
+    pad.SentCmd(kCmdBrightness, 1, 50);
+    pad.SentCmd(kCmdDisplayState, 1, 0);
     EXPECT_EQ(fakeusb::writes().size(), before);
 }
 
@@ -322,21 +334,21 @@ TEST_F(Session, LightQueryOnceTheDeviceHasLights)
 {
     CUSBTablet &session = open(tablet("tab", 0x0B40, 1), 0x0B40);
     session.m_DeviceAttributes.TabletType[2] = 0x08;
-    session.SentCmd(0, 2, 0);
+    session.SentCmd(kCmdAskLight, kLightTablet, 0);
     EXPECT_EQ(lastWrite("tab"), frame(12, {0x02, 0xB4, 0x01, 0x00, 2}));
 }
 
 TEST_F(Session, FileTransferFrames)
 {
     CUSBTablet &session = open(tablet("tab", 0x0B40, 1), 0x0B40);
-    session.SentSaveFileCmd(1, nullptr, 0x01020304);
+    session.SentSaveFileCmd(kSaveFileBegin, nullptr, 0x01020304);
     EXPECT_EQ(lastWrite("tab"), frame(32, {0x02, 0xB6, 0x01, 0x04, 0x03, 0x02, 0x01}));
-    session.SentSaveFileCmd(2, nullptr, 4);
+    session.SentSaveFileCmd(kSaveFileEnd, nullptr, 4);
     EXPECT_EQ(lastWrite("tab"), frame(32, {0x02, 0xB6, 0x02}));
     unsigned char chunk[29];
     for (int i = 0; i < 29; ++i)
         chunk[i] = uint8_t('a' + i % 26);
-    session.SentSaveFileCmd(3, chunk, 29);
+    session.SentSaveFileCmd(kSaveFileChunk, chunk, 29);
     Bytes expected = frame(32, {0x02, 0xB6, 0x03});
     std::copy(chunk, chunk + 29, expected.begin() + 3);
     EXPECT_EQ(lastWrite("tab"), expected);
@@ -344,18 +356,18 @@ TEST_F(Session, FileTransferFrames)
     EXPECT_EQ(lastWrite("tab"), frame(5, {0x02, 0xB6, 0x07}));
 
     const size_t before = fakeusb::writes().size();
-    session.SentSaveFileCmd(3, chunk, 200);
-    session.SentSaveFileCmd(3, nullptr, 5);
+    session.SentSaveFileCmd(kSaveFileChunk, chunk, 200);
+    session.SentSaveFileCmd(kSaveFileChunk, nullptr, 5);
     session.SentSaveFileCmd(9, nullptr, 1000);
     EXPECT_EQ(fakeusb::writes().size(), before) << "lengths beyond a frame are refused";
 
     session.m_Receiving = true;
-    session.SentReadFileCmd(1, 0);
+    session.SentReadFileCmd(kReadFileHeader, 0);
     EXPECT_FALSE(session.m_Receiving);
     EXPECT_EQ(lastWrite("tab"), frame(10, {0x02, 0xB6, 0x00, 0x01}));
-    session.SentReadFileCmd(2, 0);
+    session.SentReadFileCmd(kReadFileData, 0);
     EXPECT_EQ(lastWrite("tab"), frame(10, {0x02, 0xB6, 0x00, 0x02}));
-    session.SentReadFileCmd(2, 5);
+    session.SentReadFileCmd(kReadFileData, 5);
     EXPECT_EQ(lastWrite("tab"), frame(10, {0x02, 0xB6, 0x00, 0x05}));
     session.SentReadFileCmd(3, 5);
     EXPECT_EQ(lastWrite("tab"), frame(10, {0x02, 0xB6, 0x02, 0x00}));
@@ -364,9 +376,9 @@ TEST_F(Session, FileTransferFrames)
 TEST_F(Session, CommandsWithoutAHandleSendNothing)
 {
     CUSBTablet closed;
-    closed.SentCmd(3, 4, 0);
-    closed.SentSaveFileCmd(1, nullptr, 10);
-    closed.SentReadFileCmd(1, 0);
+    closed.SentCmd(kCmdReportMode, 4, 0);
+    closed.SentSaveFileCmd(kSaveFileBegin, nullptr, 10);
+    closed.SentReadFileCmd(kReadFileHeader, 0);
     EXPECT_TRUE(fakeusb::writes().empty());
 }
 

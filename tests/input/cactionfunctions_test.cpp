@@ -1,3 +1,5 @@
+#include "actionids.h"
+#include "actionmessages.h"
 #include "caction.h"
 #include "cglobaldata.h"
 #include "ctipsink.h"
@@ -238,12 +240,12 @@ TEST_F(Functions, FunctionStrings)
         {"4|ring|a|b|29:37|30:38", true, {}, {}, {}},
         {"1|two", true, {}, {}, {}},
         {"", true, {}, {}, {}},
-        {"3|Settings|1", true, {}, {"Settings"}, {{1, 1}}},
+        {"3|Settings|1", true, {}, {"Settings"}, {{kMsgShowDriver, 1}}},
         {"3|Settings|1", false, {}, {}, {}},
-        {"3|Mapping|2", true, {}, {"Mapping"}, {{2, 0}}},
-        {"3|Switch|3", true, {}, {"Eraser"}, {{3, 1}}},
-        {"3|Fine|4", true, {}, {}, {{4, 0}}},
-        {"3|Pad|7", true, {}, {"Pad"}, {{7, 0}}},
+        {"3|Mapping|2", true, {}, {"Mapping"}, {{kMsgScreenMapping, 0}}},
+        {"3|Switch|3", true, {}, {"Eraser"}, {{kMsgPenEraser, 1}}},
+        {"3|Fine|4", true, {}, {}, {{kMsgFineMode, 0}}},
+        {"3|Pad|7", true, {}, {"Pad"}, {{kMsgTrackPad, 0}}},
         {"3|BE|9", true, tap({48}), {"[B]"}, {}},
         {"3|none|99999", true, {}, {"none"}, {}},
         {"3|empty|", true, {}, {}, {}},
@@ -340,19 +342,19 @@ TEST_F(Functions, ActionLibraryCommands)
         TextMsgs texts;
     };
     std::vector<Case> cases = {
-        {209, tap({BTN_LEFT}) + tap({BTN_LEFT}), {}, {}, {}},
-        {210, {kWheelUp}, {}, {}, {}},
-        {211, {kWheelDown}, {}, {}, {}},
-        {101, {}, {}, {{1, 1}}, {}},
-        {102, {}, {}, {{2, 0}}, {}},
-        {103, {}, {}, {{3, 1}}, {}},
-        {104, {}, {}, {{4, 0}}, {}},
-        {105, {}, {}, {}, {{5, "common"}}},
-        {106, {}, {}, {}, {{6, "common"}}},
-        {107, {}, {}, {{7, 0}}, {}},
-        {109, tap({48}), tap({18}), {}, {}},
-        {110, {}, {}, {}, {{10, "common"}}},
-        {111, {}, {}, {}, {{11, "common"}}},
+        {kActionDoubleClick, tap({BTN_LEFT}) + tap({BTN_LEFT}), {}, {}, {}},
+        {kActionWheelUp, {kWheelUp}, {}, {}, {}},
+        {kActionWheelDown, {kWheelDown}, {}, {}, {}},
+        {kActionShowDriver, {}, {}, {{kMsgShowDriver, 1}}, {}},
+        {kActionScreenMapping, {}, {}, {{kMsgScreenMapping, 0}}, {}},
+        {kActionPenEraser, {}, {}, {{kMsgPenEraser, 1}}, {}},
+        {kActionFineMode, {}, {}, {{kMsgFineMode, 0}}, {}},
+        {kActionRing1, {}, {}, {}, {{kMsgRingFunctions, "common"}}},
+        {kActionRing2, {}, {}, {}, {{kMsgRingFunctions + 1, "common"}}},
+        {kActionTrackPad, {}, {}, {{kMsgTrackPad, 0}}, {}},
+        {kActionPressBE, tap({48}), tap({18}), {}, {}},
+        {kActionKeyGroup, {}, {}, {}, {{kMsgKeyGroup, "common"}}},
+        {kActionKeyPreview, {}, {}, {}, {{kMsgKeyPreview, "common"}}},
     };
     for (int id : {-1, 0, 27, 100, 108, 112, 200, 212, 1000})
         cases.push_back({id, {}, {}, {}, {}});
@@ -374,7 +376,7 @@ TEST_F(Functions, PenEraserSwitchAndToggle)
     m_action->ChangeBEKey(false, false);
     m_action->ChangeBEKey(true, false);
     m_action->ChangeBEKey(true, true);
-    EXPECT_EQ(intMsgs(), (IntMsgs{{3, 1}, {3, 0}}));
+    EXPECT_EQ(intMsgs(), (IntMsgs{{kMsgPenEraser, 1}, {kMsgPenEraser, 0}}));
     EXPECT_EQ(tips(), (Texts{"Eraser", "Pen"}));
     for (bool pressed : {true, false, true, false})
         m_action->PressBEKey(pressed);
@@ -400,7 +402,7 @@ TEST_F(Functions, NextKeyGroupSkipsDisabledGroups)
         m_action->ChangeKeyFunctions(true);
         m_action->ChangeKeyFunctions(false);
         EXPECT_EQ(common().SelectID, c.to) << c.from;
-        EXPECT_EQ(textMsgs(), (TextMsgs{{10, "common"}}));
+        EXPECT_EQ(textMsgs(), (TextMsgs{{kMsgKeyGroup, "common"}}));
     }
 }
 
@@ -522,16 +524,17 @@ TEST_F(Functions, KeyGroups)
 
 TEST_F(Functions, KeyTipsAndUsageRecords)
 {
-    common().Key[0] = {0, {}, 1, 111, 1};
-    common().Key[1] = {0, {}, 1, 110, 2};
+    common().Key[0] = {0, {}, 1, kActionKeyPreview, 1};
+    common().Key[1] = {0, {}, 1, kActionKeyGroup, 2};
     common().Key[2] = {1, "3|Grp|10", 1, 0, 3};
     common().Key[3] = {1, "3|Sys|1", 1, 0, 4};
     common().KeyGroup[0].bEnable = common().KeyGroup[2].bEnable = 1;
     keys({1}, true);
-    EXPECT_EQ(textMsgs(), (TextMsgs{{11, "common"}}));
+    EXPECT_EQ(textMsgs(), (TextMsgs{{kMsgKeyPreview, "common"}}));
     keys({1}, false);
-    EXPECT_EQ(textMsgs(), (TextMsgs{{99, "\"DoKeyAction\":{\"custom\":\"\",\"id\":\"0\",\"curapp\":"
-                                         "\"common\",\"KeyID\":\"0\",\"TabletKeyState\":\"0\"}"}}));
+    EXPECT_EQ(textMsgs(),
+              (TextMsgs{{kMsgUsage, "\"DoKeyAction\":{\"custom\":\"\",\"id\":\"0\",\"curapp\":"
+                                    "\"common\",\"KeyID\":\"0\",\"TabletKeyState\":\"0\"}"}}));
     keys({2}, true);
     EXPECT_EQ(common().SelectID, 2);
     EXPECT_EQ(tips(), Texts{"A110-III"});
@@ -544,9 +547,10 @@ TEST_F(Functions, KeyTipsAndUsageRecords)
     }
     EXPECT_EQ(common().SelectID, 0);
     EXPECT_EQ(tips(), (Texts{"Grp-I", "Grp-I"}));
-    EXPECT_EQ(intMsgs(), (IntMsgs{{1, 1}}));
+    EXPECT_EQ(intMsgs(), (IntMsgs{{kMsgShowDriver, 1}}));
     const TextMsgs texts = textMsgs();
-    EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](auto &m) { return m.first == 99; }), 6);
+    EXPECT_EQ(
+        std::count_if(texts.begin(), texts.end(), [](auto &m) { return m.first == kMsgUsage; }), 6);
 }
 
 // Button 0 taps V, 1 taps B, 2 taps E.
@@ -570,16 +574,16 @@ TEST_F(Functions, PenButtons)
     }
     forget();
     const std::pair<int16_t, Texts> tipCases[] = {
-        {1, {"A1"}}, {27, {}}, {127, {}}, {103, {"Eraser"}}, {72, {"A72"}}};
+        {1, {"A1"}}, {27, {}}, {127, {}}, {kActionPenEraser, {"Eraser"}}, {72, {"A72"}}};
     for (const auto &[id, expected] : tipCases) {
         common().Pen[7].PenBtn[1].Actid = id;
         penButtons(kHover, 2, 1, 7);
         EXPECT_EQ(tips(), expected) << id;
     }
-    EXPECT_EQ(textMsgs().back(),
-              (std::pair<int, std::string>{99, "\"DoPenBtnAction\":{\"custom\":\"\",\"id\":\"0\","
-                                               "\"curapp\":\"common\",\"PenID\":\"7\","
-                                               "\"PenKeyState\":\"1\"}"}));
+    EXPECT_EQ(textMsgs().back(), (std::pair<int, std::string>{
+                                     kMsgUsage, "\"DoPenBtnAction\":{\"custom\":\"\",\"id\":\"0\","
+                                                "\"curapp\":\"common\",\"PenID\":\"7\","
+                                                "\"PenKeyState\":\"1\"}"}));
 }
 
 TEST_F(Functions, RingKinds)
@@ -617,10 +621,10 @@ TEST_F(Functions, RingKinds)
     common().Ring[0].id = 0;
     wheel(0, 1);
     EXPECT_EQ(tips(), Texts{});
-    EXPECT_EQ(textMsgs().back(),
-              (std::pair<int, std::string>{99, "\"DoRingAction\":{\"custom\":\"\",\"id\":\"0\","
-                                               "\"curapp\":\"common\",\"RingID\":\"0\","
-                                               "\"RingDirection\":\"1\"}"}));
+    EXPECT_EQ(textMsgs().back(), (std::pair<int, std::string>{
+                                     kMsgUsage, "\"DoRingAction\":{\"custom\":\"\",\"id\":\"0\","
+                                                "\"curapp\":\"common\",\"RingID\":\"0\","
+                                                "\"RingDirection\":\"1\"}"}));
 }
 
 TEST_F(Functions, SlowRingsShareOneRateLimit)

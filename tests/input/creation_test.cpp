@@ -1,3 +1,4 @@
+#include "actionids.h"
 #include "uinputfixture.h"
 
 #include <algorithm>
@@ -317,7 +318,7 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     m_input->UpdateRelMouse(1, 3, 4);
     m_input->UpdateWheelRel(m_input->relFd(), 1);
     m_input->KeyEvent(30, true);
-    for (int id = 1; id <= 6; ++id)
+    for (int id = kMouseLeftClick; id <= kMouseWheelDown; ++id)
         m_input->DoMouseFunc(id, true, false);
     m_input->ActionLibrary(7, true);
     m_input->RingActionLibrary(1, true);

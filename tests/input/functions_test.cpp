@@ -1,3 +1,4 @@
+#include "actionids.h"
 #include "uinputfixture.h"
 
 #include <chrono>
@@ -39,7 +40,9 @@ protected:
 TEST_F(MouseFunctions, ButtonsGoToThePenAtFirst)
 {
     const std::pair<int, std::vector<int>> cases[] = {
-        {1, {BTN_LEFT}}, {2, {BTN_RIGHT}}, {3, {BTN_MIDDLE, BTN_STYLUS}}};
+        {kMouseLeftClick, {BTN_LEFT}},
+        {kMouseRightClick, {BTN_RIGHT}},
+        {kMouseMiddleClick, {BTN_MIDDLE, BTN_STYLUS}}};
     for (const auto &[id, codes] : cases) {
         const size_t skip = bytes(kPenNode).size();
         m_input->DoMouseFunc(id, true, false);
@@ -66,8 +69,8 @@ TEST_F(MouseFunctions, ButtonsGoToThePenAtFirst)
 
 TEST_F(MouseFunctions, RightButtonLogsItsStateAndTime)
 {
-    m_input->DoMouseFunc(2, true, false);
-    m_input->DoMouseFunc(2, false, false);
+    m_input->DoMouseFunc(kMouseRightClick, true, false);
+    m_input->DoMouseFunc(kMouseRightClick, false, false);
     const std::vector<LogLine> lines = logs();
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[0], (LogLine{QtInfoMsg, "DoMouseFunc 2 true"}));
@@ -93,10 +96,10 @@ TEST_F(MouseFunctions, ButtonsFollowTheLastFrame)
         std::vector<Ev> out;
     };
     const Case cases[] = {
-        {"mouse", 0, 1, kMouseNode, button(BTN_LEFT, 1)},
-        {"eraser", 1, 2, kMouseNode, button(BTN_RIGHT, 1)},
-        {"pen", 2, 1, kPenNode, button(BTN_LEFT, 1)},
-        {"double click", 0, 4, kMouseNode,
+        {"mouse", 0, kMouseLeftClick, kMouseNode, button(BTN_LEFT, 1)},
+        {"eraser", 1, kMouseRightClick, kMouseNode, button(BTN_RIGHT, 1)},
+        {"pen", 2, kMouseLeftClick, kPenNode, button(BTN_LEFT, 1)},
+        {"double click", 0, kMouseDoubleClick, kMouseNode,
          keys({{BTN_LEFT, 1}, {BTN_LEFT, 0}, {BTN_LEFT, 1}, {BTN_LEFT, 0}})},
     };
     for (const Case &c : cases) {
@@ -116,7 +119,7 @@ TEST_F(MouseFunctions, ButtonsFollowTheLastFrame)
 TEST_F(MouseFunctions, DoubleClickWithZeroTimesAndPauses)
 {
     const auto start = std::chrono::steady_clock::now();
-    m_input->DoMouseFunc(4, true, false);
+    m_input->DoMouseFunc(kMouseDoubleClick, true, false);
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_GE(elapsed, std::chrono::milliseconds(60));
     EXPECT_EQ(events(kPenNode), keys({{BTN_LEFT, 1}, {BTN_LEFT, 0}, {BTN_LEFT, 1}, {BTN_LEFT, 0}}));
@@ -128,10 +131,10 @@ TEST_F(MouseFunctions, DoubleClickWithZeroTimesAndPauses)
 
 TEST_F(MouseFunctions, WheelStepsAlwaysGoToTheMouse)
 {
-    m_input->DoMouseFunc(5, true, false);
-    m_input->DoMouseFunc(6, true, false);
-    m_input->DoMouseFunc(5, true, true);
-    m_input->DoMouseFunc(6, true, true);
+    m_input->DoMouseFunc(kMouseWheelUp, true, false);
+    m_input->DoMouseFunc(kMouseWheelDown, true, false);
+    m_input->DoMouseFunc(kMouseWheelUp, true, true);
+    m_input->DoMouseFunc(kMouseWheelDown, true, true);
     EXPECT_EQ(events(kMouseNode), (std::vector<Ev>{{EV_REL, REL_WHEEL, 1},
                                                    {EV_SYN, 0, 0},
                                                    {EV_REL, REL_WHEEL, -1},
@@ -151,7 +154,7 @@ TEST_F(MouseFunctions, UnknownIdsAndReleasesOfClicksAndStepsWriteNothing)
         m_input->DoMouseFunc(id, false, false);
     }
     clearLogs();
-    for (int id = 4; id <= 6; ++id) {
+    for (int id = kMouseDoubleClick; id <= kMouseWheelDown; ++id) {
         m_input->DoMouseFunc(id, false, false);
         m_input->DoMouseFunc(id, false, true);
     }

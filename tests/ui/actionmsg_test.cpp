@@ -1,5 +1,7 @@
+#include "actionmessages.h"
 #include "cglobaldata.h"
 #include "ctablet.h"
+#include "devicecommands.h"
 #include "windowfixture.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +37,7 @@ protected:
     void battery(int value, int chargeState)
     {
         m_Tablet.m_BatteryValue = value;
-        m_Window->ReceivActionMsg(2, 88, chargeState);
+        m_Window->ReceivActionMsg(2, kMsgBattery, chargeState);
     }
 
     RecordingTablet m_Tablet;
@@ -68,9 +70,9 @@ TEST_F(ActionMessages, NoTrayIconNoWarning)
 TEST_F(ActionMessages, MessagesForAnEmptySlotAreDropped)
 {
     m_Tablet.m_TabletXMLData->CommonAPP.Ring[1].type = 1;
-    m_Window->ReceivActionMsg(3, 100, 0);
-    m_Window->ReceivActionMsg(7, 100, 0);
-    m_Window->ReceivActionMsg(-1, 100, 0);
+    m_Window->ReceivActionMsg(3, kMsgWirelessConnected, 0);
+    m_Window->ReceivActionMsg(7, kMsgWirelessConnected, 0);
+    m_Window->ReceivActionMsg(-1, kMsgWirelessConnected, 0);
     EXPECT_TRUE(m_Tablet.m_Sent.empty());
 }
 
@@ -80,13 +82,14 @@ TEST_F(ActionMessages, TouchStripRestoreFollowsTheStripMode)
     settings.Orientation = 3;
     settings.CommonAPP.Ring[1].type = 1;
     settings.CommonAPP.Ring[1].mode = 0;
-    m_Window->ReceivActionMsg(2, 100, 0);
+    m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
     settings.CommonAPP.Ring[1].mode = 1;
-    m_Window->ReceivActionMsg(2, 100, 0);
+    m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
     settings.CommonAPP.Ring[1].type = 0;
-    m_Window->ReceivActionMsg(2, 100, 0);
+    m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
 
-    const std::vector<std::array<int, 3>> expected = {{2, 3, 0}, {2, 1, 3}};
+    const std::vector<std::array<int, 3>> expected = {{kCmdTouchStrip, kStripWheel, 0},
+                                                      {kCmdTouchStrip, kStripTouch, 3}};
     EXPECT_EQ(m_Tablet.m_Sent, expected);
 }
 

@@ -1,3 +1,4 @@
+#include "actionmessages.h"
 #include "cglobaldata.h"
 #include "ctablet.h"
 #include "jingximode.h"
@@ -123,12 +124,12 @@ TEST_F(FineMode, MessageFourOpensOnTheMappedScreenAndClosesTheSecondTime)
     CGlobalData::ScreenArray[9] = QRect(0, 1024, 800, 600);
     makeCurrent(0);
     m_Tablets[0].m_TabletXMLData->ScreenId = 12;
-    m_Window->ReceivActionMsg(2, 4, 0);
+    m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
     ASSERT_NE(m_Window->fineMode(), nullptr);
     EXPECT_EQ(m_Window->fineMode()->geometry(), QRect(0, 1024, 800, 600));
     EXPECT_EQ(on(2), 1);
     EXPECT_EQ(on(0), 0);
-    m_Window->ReceivActionMsg(2, 4, 0);
+    m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
     EXPECT_EQ(m_Window->fineMode(), nullptr);
     EXPECT_EQ(on(2), 0);
 }
@@ -137,7 +138,7 @@ TEST_F(FineMode, MessageFourOpensOnTheMappedScreenAndClosesTheSecondTime)
 TEST_F(FineMode, RemoteOpensEscapeClosesASecondCloseIsHarmless)
 {
     m_Tablets[0].m_DeviceAttributes.DeviceType = DeviceTypeRemote;
-    m_Window->ReceivActionMsg(0, 4, 0);
+    m_Window->ReceivActionMsg(0, kMsgFineMode, 0);
     EXPECT_EQ(on(0), 0);
     EXPECT_EQ(on(1), 1);
     on(2) = 1;

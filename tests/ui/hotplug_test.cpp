@@ -1,3 +1,4 @@
+#include "devicecommands.h"
 #include "devicefixture.h"
 #include "fakeuinput.h"
 #include "mainwindow.h"
@@ -239,7 +240,7 @@ TEST_F(HotPlug, QuickReplugsAreHandledInOrder)
 
     expectSlots({"a", "", "", "", ""});
     const size_t written = fakeusb::writesTo("a").size();
-    CGlobalData::TabletArray[0]->SentCmd(3, 2, 0);
+    CGlobalData::TabletArray[0]->SentCmd(kCmdReportMode, kReportModeSystem, 0);
     EXPECT_EQ(fakeusb::writesTo("a").size(), written + 1) << "the handle is the new attachment's";
 }
 

@@ -1,3 +1,4 @@
+#include "actionmessages.h"
 #include "batterywidget.h"
 #include "devicefixture.h"
 #include "mainwindow.h"
@@ -304,7 +305,7 @@ TEST_F(Shell, BatteryOfTheShownTabletUpdatesItsWidget)
     plug("tab", 0x0B40, 1);
     CTablet *tablet = CGlobalData::TabletArray[0];
     tablet->m_BatteryValue = 45;
-    m_Window->ReceivActionMsg(0, 88, 1);
+    m_Window->ReceivActionMsg(0, kMsgBattery, 1);
     BatteryWidget *battery = m_Window->batteryWidget();
     EXPECT_FALSE(battery->isHidden());
     EXPECT_EQ(battery->GetValue(), 45);
@@ -377,10 +378,10 @@ TEST_F(Shell, PenChangeShowsThePenNowOnTheTablet)
     };
     EXPECT_TRUE(shows(1));
     CGlobalData::TabletArray[1]->m_TabletXMLData->DeviceCurPenID = 1;
-    m_Window->ReceivActionMsg(1, 89, 1);
+    m_Window->ReceivActionMsg(1, kMsgPenChange, 1);
     EXPECT_TRUE(shows(1)) << "a tablet not shown leaves the page alone";
     CGlobalData::TabletArray[0]->m_TabletXMLData->DeviceCurPenID = 2;
-    m_Window->ReceivActionMsg(0, 89, 2);
+    m_Window->ReceivActionMsg(0, kMsgPenChange, 2);
     EXPECT_TRUE(shows(3));
     QResource::unregisterResource(RESOURCE_FILE);
 }
