@@ -6,6 +6,7 @@
 #include "devicethread.h"
 #include "hidrawstring.h"
 #include "reportprotocol.h"
+#include "tabletslots.h"
 #include "textfield.h"
 #include "xmlhelp.h"
 
@@ -131,7 +132,8 @@ void CUSBTablet::chooseShowName()
 // A second device of a product already running takes its settings.
 bool CUSBTablet::takeSettings()
 {
-    const int slot = IsDeviceShowNameExit(QString::fromLatin1(m_DeviceAttributes.PidString));
+    const int slot =
+        TabletSlots::IsDeviceShowNameExit(QString::fromLatin1(m_DeviceAttributes.PidString));
     CTablet *twin = slot >= 0 ? CGlobalData::TabletArray[slot] : nullptr;
     if (twin && twin != this && twin->m_Active) {
         CopySettingsFrom(*twin);
@@ -179,16 +181,6 @@ void CUSBTablet::askLights()
     SentCmd(kCmdAskLight, kLightTablet, 0);
     if (answered)
         qDebug() << "SentCmd(0,2,0) OK";
-}
-
-int CUSBTablet::IsDeviceShowNameExit(const QString &pidString)
-{
-    for (int slot = 0; slot < kTabletSlots; ++slot) {
-        const CTablet *tablet = CGlobalData::TabletArray[slot];
-        if (tablet && pidString == QLatin1String(tablet->m_DeviceAttributes.PidString))
-            return slot;
-    }
-    return -1;
 }
 
 int CUSBTablet::writeReport(const unsigned char *data, int length)

@@ -23,9 +23,6 @@ public:
     void SaveConfigToDevice(QString name, _stAppConfigNode *node) override;
     void DelTablet() override;
 
-    // Despite its name it compares PID strings: the slot of the first equal one, or -1.
-    static int IsDeviceShowNameExit(const QString &pidString);
-
     hid_device *m_HidDevice = nullptr;
     DeviceThread *m_DeviceThread = nullptr;
 

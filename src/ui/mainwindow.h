@@ -2,7 +2,6 @@
 
 #include "settingsrecords.h"
 
-#include <QList>
 #include <QPoint>
 #include <QString>
 #include <QSystemTrayIcon>
@@ -14,6 +13,7 @@ namespace Ui
 class MainWindow;
 }
 class BatteryWidget;
+class CDeviceManager;
 class CTablet;
 class JingXiMode;
 class MyLrc;
@@ -23,9 +23,9 @@ class QPixmap;
 class QRect;
 class SettingForm;
 class TrayMenu;
-class UsbListenThread;
 
-// The one top-level window; it also owns the device scan on the GUI thread.
+// The one top-level window. Its bodies live in files by area: mainwindow.cpp is the shell,
+// mainwindow_<area>.cpp the rest.
 class MainWindow : public QWidget
 {
     Q_OBJECT
@@ -33,7 +33,14 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    // Shell
     int Init();
+    void InitUI(const QString &deviceName);
+    void DeleteUI();
+    void InitSystemTray();
+    void InitLanguageUI();
+
+    // Devices, kept by CDeviceManager and TabletSlots
     bool EnumDeviceLinux(int pid);
     bool EmumDevice();
     bool EnmuTabeltDevice();
@@ -43,15 +50,14 @@ public:
     QString DeleteMapItem(CTablet *tablet);
     int IsDeviceShowNameExit(const QString &pidString, CTablet *except) const;
     int getDeviceListIndex(const QString &path) const;
-    void InitUI(const QString &deviceName);
-    void DeleteUI();
-    void InitSystemTray();
-    void InitLanguageUI();
     void CloseDevice();
+
+    // Screens
     void EnumDisplay(bool screensChanged);
     static void EnumLogicDisplay();
     static void SortQRectRect(QRect *src, QRect *dst, int count, bool trackPrimary);
-    // The pressure slider's level for a curve: -3, the softest, to 3, the hardest.
+
+    // Pen: the pressure slider's level for a curve, -3, the softest, to 3, the hardest.
     static int DidPressurePointsConvertToIntValue(SPresslvPoints points);
 
     CTablet *currentTablet() const { return m_CurrentTablet; }
@@ -65,18 +71,9 @@ public:
     SettingForm *settingForm() const { return m_SettingForm; }
 
 public slots:
-    void ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state);
-    bool GetSameTablet(int pid);
+    // Shell
     void OnShowDriver();
     void OnQuiqDriver();
-    void ReceivActionMsg(int tabletId, int msgId, int msgData);
-    void ReceivActionMsg(int tabletId, int msgId, QString appPath);
-    void ReceivTabletLightData(CTablet *tablet);
-    void onSelectTabletDevice(QString deviceName, int index);
-    void GetScreenCalibrate(float fkx, float fky, float fxlc, float fylc);
-    void onDeskScreenChanged(int);
-    void GetBERect(QRect rect);
-    void CloseJingxiMode();
     void OnShowLabel(QString text);
     void OnShowRinglrc(QStringList *names, int selected);
     void onClickListItem(QListWidgetItem *item);
@@ -86,7 +83,27 @@ public slots:
     void on_pushButton_ok_clicked();
     void on_pushButton_cancel_clicked();
     void showImage(QPixmap pixmap, QLabel *label);
+
+    // Devices
+    void ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state);
+    bool GetSameTablet(int pid);
+    void onSelectTabletDevice(QString deviceName, int index);
+
+    // Actions: messages of the tablets, fine mode, battery
+    void ReceivActionMsg(int tabletId, int msgId, int msgData);
+    void ReceivActionMsg(int tabletId, int msgId, QString appPath);
+    void ReceivTabletLightData(CTablet *tablet);
+    void GetBERect(QRect rect);
+    void CloseJingxiMode();
+
+    // Screens
+    void GetScreenCalibrate(float fkx, float fky, float fxlc, float fylc);
+    void onDeskScreenChanged(int);
+
+    // Pen
     void UpdatePenPicture();
+
+    // Settings form
     void ShowSettingForm();
     void CloseSettingFormDevices();
     void onCheckBoxDisablePress(bool disabled);
@@ -102,9 +119,12 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    // Shell
     void setUpFrame();
     void connectShell();
     void watchDragAreas();
+    void openConfiguration();
+    void connectDesktopSignals();
     bool filterMousePress(QObject *watched, const QMouseEvent *event);
     bool filterMouseMove(const QMouseEvent *event);
     void filterMouseRelease(const QMouseEvent *event);
@@ -112,11 +132,19 @@ private:
     void fillPageList(const CTablet *tablet);
     void addPageRow(const char *key, const char *fallback, bool hidden);
     void selectFirstPage(const CTablet *tablet);
-    void showModelPictures(const CTablet *tablet);
     void showBattery(CTablet *tablet);
     void showPage(int row);
-    void createSettingForm();
-    void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
+
+    // Devices
+    void connectDevices();
+    void onTabletAdded(CTablet *tablet);
+    void onTabletLeaving(CTablet *tablet);
+    void onTabletRemoved(CTablet *tablet, const QString &key);
+    void showSoleDevice();
+    void showRootRightsWarning();
+    void connectTablet(CTablet *tablet);
+
+    // Actions
     void onBatteryMsg(CTablet *tablet, int chargeState);
     void noteLowBattery(CTablet *tablet, int chargeState);
     void RestoreTouchStrip(CTablet *tablet);
@@ -124,18 +152,16 @@ private:
     void ToggleFineMode(int tabletId);
     void OpenFineMode(int tabletId);
     CTablet *FineModeTarget(int tabletId) const;
-    void openConfiguration();
-    void connectDesktopSignals();
-    void registerTablet(CTablet *tablet);
-    bool isPathOpen(const char *path) const;
-    void onDeviceArrived(int pid);
-    void onDeviceLeft(int pid);
-    void removeTablet(int slot);
-    void showSoleDevice();
-    void stopListener();
-    void connectTablet(CTablet *tablet);
+
+    // Pen
+    void showModelPictures(const CTablet *tablet);
+
+    // Settings form
+    void createSettingForm();
+    void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
 
     Ui::MainWindow *ui;
+    CDeviceManager *m_Devices = nullptr;
     CTablet *m_CurrentTablet = nullptr;
     QString m_Language = QStringLiteral("English");
     QSystemTrayIcon *m_TrayIcon = nullptr;
@@ -147,9 +173,6 @@ private:
     bool m_Dragging = false;
     JingXiMode *m_JingXiMode = nullptr;
     MyLrc *m_Tip = nullptr;
-    UsbListenThread *m_UsbListenThread = nullptr;
-    // Unplugged tablets stay allocated: pages and queued messages may still point at them.
-    QList<CTablet *> m_RemovedTablets;
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
 };

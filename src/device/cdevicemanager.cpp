@@ -1,0 +1,157 @@
+#include "cdevicemanager.h"
+
+#include "cglobaldata.h"
+#include "cusbtablet.h"
+#include "tabletslots.h"
+#include "usblistenthread.h"
+#include "zelkdevice.h"
+
+#include <QDebug>
+#include <QThread>
+#include <hidapi.h>
+#include <libusb.h>
+
+namespace
+{
+// The system needs this long before a new device can be opened.
+constexpr unsigned long kArrivalSettleUs = 600000;
+constexpr unsigned long kListenerStopWaitMs = 1000;
+} // namespace
+
+CDeviceManager::CDeviceManager(QObject *parent) : QObject(parent) {}
+
+CDeviceManager::~CDeviceManager()
+{
+    qDeleteAll(m_RemovedTablets);
+}
+
+bool CDeviceManager::EnumDeviceLinux(int pid)
+{
+    hid_device_info *devices = hid_enumerate(kVendorId, static_cast<unsigned short>(pid & 0xFFFF));
+    if (!devices)
+        return false;
+    bool opened = false;
+    for (const hid_device_info *entry = devices; entry; entry = entry->next) {
+        // A like device arriving must not open the one already running again.
+        if (!TabletSlots::isPathOpen(entry->path) && openEntry(*entry))
+            opened = true;
+    }
+    hid_free_enumeration(devices);
+    return opened;
+}
+
+bool CDeviceManager::openEntry(const hid_device_info &entry)
+{
+    for (const ZelkDevice &row : zelkDevList) {
+        if (entry.vendor_id != row.vid || entry.product_id != row.pid ||
+            entry.interface_number != static_cast<int>(row.interfaceNumber))
+            continue;
+        // A sixth device is left alone, without a word.
+        if (TabletSlots::GetEmptyTabletArray() < 0)
+            return false;
+        auto *tablet = new CUSBTablet;
+        connect(tablet, &CUSBTablet::OpenFailed, this, &CDeviceManager::openFailed);
+        tablet->m_DeviceAttributes.DeviceType = row.deviceType;
+        qDebug() << "-------type:" << row.deviceType;
+        if (!tablet->InitTablet(entry.path, row)) {
+            delete tablet;
+            continue;
+        }
+        TabletSlots::registerTablet(tablet);
+        emit tabletAdded(tablet);
+        return true;
+    }
+    return false;
+}
+
+int CDeviceManager::getDeviceListIndex(const QString &path)
+{
+    for (int index = 0; index < kCatalogueSize; ++index) {
+        const ZelkDevice &row = zelkDevList[index];
+        QString key = QString::asprintf("vid_%04X&pid_%04X&mi_%02d", row.vid, row.pid,
+                                        static_cast<int>(row.interfaceNumber));
+        if (row.collection > 1)
+            key += QString::asprintf("&col%02d", static_cast<int>(row.collection));
+        if (path.contains(key, Qt::CaseInsensitive))
+            return index;
+    }
+    return -1;
+}
+
+void CDeviceManager::startListener()
+{
+    if (!m_UsbListenThread) {
+        m_UsbListenThread = new UsbListenThread;
+        connect(m_UsbListenThread, &UsbListenThread::SentListenMsg, this,
+                &CDeviceManager::ReceiveUsbMsg, Qt::QueuedConnection);
+    }
+    m_UsbListenThread->start(QThread::InheritPriority);
+}
+
+void CDeviceManager::ReceiveUsbMsg(unsigned short vid, unsigned short pid, short state)
+{
+    qDebug() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
+    qInfo() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
+    if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_ARRIVED)
+        onDeviceArrived(pid);
+    else if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_LEFT)
+        onDeviceLeft(pid);
+}
+
+// Blocks the GUI thread on purpose: a removal that follows waits in the queue.
+void CDeviceManager::onDeviceArrived(int pid)
+{
+    QThread::usleep(kArrivalSettleUs);
+    if (EnumDeviceLinux(pid))
+        emit hotPlugOpened();
+}
+
+// Closes every device of the product, then reopens those still connected.
+void CDeviceManager::onDeviceLeft(int pid)
+{
+    const QString pidText = QString::asprintf("PID_%04X", pid & 0xFFFF);
+    for (int slot = 0; slot < kTabletSlots; ++slot) {
+        const CTablet *tablet = CGlobalData::TabletArray[slot];
+        if (tablet && QString::fromLatin1(tablet->m_DeviceAttributes.PidString).contains(pidText))
+            removeTablet(slot);
+    }
+    if (EnumDeviceLinux(pid))
+        emit hotPlugOpened();
+}
+
+void CDeviceManager::removeTablet(int slot)
+{
+    CTablet *tablet = CGlobalData::TabletArray[slot];
+    const QString key = TabletSlots::DeleteMapItem(tablet);
+    emit tabletLeaving(tablet);
+    tablet->DelTablet();
+    CGlobalData::TabletArray[slot] = nullptr;
+    m_RemovedTablets.append(tablet);
+    qInfo() << "Function nativeEvent:" << tablet->m_DeviceAttributes.PidString << " disconnected";
+    emit tabletRemoved(tablet, key);
+}
+
+void CDeviceManager::stopListener()
+{
+    if (!m_UsbListenThread)
+        return;
+    m_UsbListenThread->Exit();
+    disconnect(m_UsbListenThread, nullptr, this, nullptr);
+    m_UsbListenThread->quit();
+    m_UsbListenThread->wait(kListenerStopWaitMs);
+    delete m_UsbListenThread;
+    m_UsbListenThread = nullptr;
+}
+
+void CDeviceManager::CloseDevice()
+{
+    stopListener();
+    for (CTablet *&tablet : CGlobalData::TabletArray) {
+        if (!tablet)
+            continue;
+        tablet->DelTablet();
+        delete tablet;
+        tablet = nullptr;
+    }
+    CGlobalData::TabletMap.clear();
+}

@@ -1,0 +1,68 @@
+// The settings pop-up and the switches it stores in the current profile.
+#include "mainwindow.h"
+
+#include "ctablet.h"
+#include "settingform.h"
+#include "ui_mainwindow.h"
+
+#include <QDebug>
+
+void MainWindow::ShowSettingForm()
+{
+    const QPoint at = frameGeometry().topLeft() + QPoint(590, 70);
+    if (!m_SettingForm)
+        createSettingForm();
+    m_SettingForm->move(at);
+    m_SettingForm->SetCheckButtonStatus(m_CurrentTablet, m_Language, ui->version->text());
+    m_SettingForm->show();
+    m_SettingForm->activateWindow();
+}
+
+// Telemetry and the updater are dormant: no consent box and no download entry.
+void MainWindow::createSettingForm()
+{
+    qDebug() << "ShowSettingForm";
+    m_SettingForm = new SettingForm(this);
+    m_SettingForm->SetDataCollectVisable(false, false);
+    const QVariant redPoint = ui->settingBtn->property("redPoint");
+    m_SettingForm->SetDriverDownBtnVisabel(redPoint.toString() == "1" ||
+                                           redPoint.toString() == "true");
+    connect(m_SettingForm, &SettingForm::DisablePress, this, &MainWindow::onCheckBoxDisablePress);
+    connect(m_SettingForm, &SettingForm::DisableSlope, this, &MainWindow::onCheckBoxDisableSlope);
+    connect(m_SettingForm, &SettingForm::DisableHotkey, this, &MainWindow::onCheckBoxDisableHotkey);
+    connect(m_SettingForm, &SettingForm::DisableTipMsg, this, &MainWindow::onCheckBoxDisableTipMsg);
+}
+
+void MainWindow::CloseSettingFormDevices()
+{
+    if (m_SettingForm)
+        emit m_SettingForm->CloseSettingForm();
+}
+
+void MainWindow::onCheckBoxDisablePress(bool disabled)
+{
+    storeFlag("CheckBoxDisablePress", &stTablet_XMLData::DisablePressure, disabled);
+}
+
+void MainWindow::onCheckBoxDisableSlope(bool disabled)
+{
+    storeFlag("CheckBoxDisableSlope", &stTablet_XMLData::DisableSlope, disabled);
+}
+
+void MainWindow::onCheckBoxDisableHotkey(bool disabled)
+{
+    storeFlag("CheckBoxDisableHotkey", &stTablet_XMLData::DisableQuickKey, disabled);
+}
+
+void MainWindow::onCheckBoxDisableTipMsg(bool disabled)
+{
+    storeFlag("CheckBoxDisableTipMsg", &stTablet_XMLData::DisableInfo, disabled);
+}
+
+void MainWindow::storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value)
+{
+    qDebug() << name << value;
+    if (!m_CurrentTablet || !m_CurrentTablet->m_TabletXMLData)
+        return;
+    m_CurrentTablet->m_TabletXMLData->*flag = value ? 1 : 0;
+}
