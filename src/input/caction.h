@@ -19,6 +19,9 @@ struct _KeyCode {
 struct _DEVICE_ATTRIBUTES;
 
 // Turns one decoded report into virtual input, on the reader thread of its device.
+// Its bodies: caction.cpp the pen path, caction_dispatch.cpp keys, pen buttons and wheels,
+// caction_functions.cpp function strings and the action library, caction_commands.cpp the
+// commands that post to the window.
 class CAction : public QObject
 {
     Q_OBJECT
