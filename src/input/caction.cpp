@@ -285,7 +285,7 @@ void CAction::writePen(const TabletDataEX &data)
         const bool buttonUp = m_eraserEnd && !m_eraserReal;
         const uint8_t status = buttonUp ? 0 : data.penStatus;
         input.UpdateRelMouse(status, m_data.relX, m_data.relY);
-        m_mouseButtonHeld = (status & 1) != 0;
+        m_mouseButtonHeld = (status & kPenStatusTip) != 0;
         return;
     }
     bool eraser = m_penAsEraser;

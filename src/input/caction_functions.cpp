@@ -85,14 +85,15 @@ QVector<_KeyCode> combinationKeys(const QString &combination)
 // System functions whose operation shows a tip of its own, or none.
 bool systemFunctionWithoutTip(int function)
 {
-    switch (function) {
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 8:
-    case 9:
-    case 12:
+    switch (function + kActionSystemBase) {
+    case kActionPenEraser:
+    case kActionFineMode:
+    case kActionRing1:
+    case kActionRing2:
+    case kActionPressBE:
+    // 108 and 112 name no action, yet stay silent too.
+    case kActionSystemBase + 8:
+    case kActionSystemBase + 12:
         return true;
     default:
         return false;
