@@ -109,7 +109,7 @@ void CDeviceManager::onDeviceArrived(int pid)
 // Closes every device of the product, then reopens those still connected.
 void CDeviceManager::onDeviceLeft(int pid)
 {
-    const QString pidText = QString::asprintf("PID_%04X", pid & 0xFFFF);
+    const QString pidText = TabletSlots::pidString(pid);
     for (int slot = 0; slot < kTabletSlots; ++slot) {
         const CTablet *tablet = CGlobalData::TabletArray[slot];
         if (tablet && QString::fromLatin1(tablet->m_DeviceAttributes.PidString).contains(pidText))

@@ -88,8 +88,7 @@ bool CUSBTablet::openDevice(const char *path)
 void CUSBTablet::readIdentity(const ZelkDevice &row)
 {
     m_ProductId = static_cast<int>(row.pid);
-    snprintf(m_DeviceAttributes.PidString, sizeof m_DeviceAttributes.PidString, "PID_%04X",
-             row.pid & 0xFFFF);
+    copyTextField(m_DeviceAttributes.PidString, TabletSlots::pidString(static_cast<int>(row.pid)));
     copyTextField(m_DeviceAttributes.ModelName, row.name);
     copyWideString(m_DeviceAttributes.Manufacturer, hid_get_manufacturer_string, m_HidDevice);
     copyWideString(m_DeviceAttributes.ProductName, hid_get_product_string, m_HidDevice);

@@ -44,11 +44,16 @@ int TabletSlots::IsDeviceShowNameExit(const QString &pidString, const CTablet *e
     return -1;
 }
 
-bool TabletSlots::GetSameTablet(int pid)
+QString TabletSlots::pidString(int pid)
 {
-    const QString pidString = QString::asprintf("PID_%04X", pid & 0xFFFF);
+    return QString::asprintf("PID_%04X", pid & 0xFFFF);
+}
+
+bool TabletSlots::GetSameTablet(int product)
+{
+    const QString pid = TabletSlots::pidString(product);
     for (const CTablet *tablet : CGlobalData::TabletArray) {
-        if (tablet && pidString == QLatin1String(tablet->m_DeviceAttributes.PidString) &&
+        if (tablet && pid == QLatin1String(tablet->m_DeviceAttributes.PidString) &&
             CGlobalData::TabletMap.contains(QString::fromUtf8(tablet->m_DeviceAttributes.ShowName)))
             return true;
     }

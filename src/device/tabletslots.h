@@ -11,6 +11,8 @@ public:
     TabletSlots() = delete;
 
     // The first free slot, or -1 when all five are in use.
+    // The "PID_%04X" name of a product, as PidString holds it.
+    static QString pidString(int pid);
     static int GetEmptyTabletArray();
     static int GetTabletArraySize();
     static bool isPathOpen(const char *path);
