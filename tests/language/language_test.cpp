@@ -50,7 +50,10 @@ bool hasCjk(const QString &text)
 class LanguageFile : public ::testing::Test
 {
 protected:
-    LanguageFile() : file(SCRIBORA_LANGUAGE_INI, QSettings::IniFormat) { file.setIniCodec("UTF-8"); }
+    LanguageFile() : file(SCRIBORA_LANGUAGE_INI, QSettings::IniFormat)
+    {
+        file.setIniCodec("UTF-8");
+    }
     QString text(const char *language, const QString &key)
     {
         return file.value(QString(language) + '/' + key).toString();
@@ -105,9 +108,21 @@ TEST_F(LanguageFile, ChineseIsTranslatedAndEnglishIsNot)
 // A misspelt section would never be chosen and its texts never shown.
 TEST_F(LanguageFile, SectionsAreLanguageNamesOfTheProgram)
 {
-    const QSet<QString> names = {"ChineseSimplified", "ChineseTraditional", "English", "German",
-                                 "French", "Japanese", "Korean", "Russian", "Spanish", "Italian",
-                                 "Thai", "Portuguese", "Vietnamese", "Polish", "Turkish"};
+    const QSet<QString> names = {"ChineseSimplified",
+                                 "ChineseTraditional",
+                                 "English",
+                                 "German",
+                                 "French",
+                                 "Japanese",
+                                 "Korean",
+                                 "Russian",
+                                 "Spanish",
+                                 "Italian",
+                                 "Thai",
+                                 "Portuguese",
+                                 "Vietnamese",
+                                 "Polish",
+                                 "Turkish"};
     for (const QString &group : file.childGroups())
         EXPECT_TRUE(names.contains(group)) << group.toStdString();
     EXPECT_TRUE(file.childKeys().isEmpty()) << "keys outside any section";
