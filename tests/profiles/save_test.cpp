@@ -1,0 +1,297 @@
+#include "golden.h"
+#include "textfield.h"
+#include "xmlhelp.h"
+
+#include <QDomDocument>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <sys/resource.h>
+
+namespace
+{
+
+// Attributes sorted, since the DOM keeps them in no fixed order.
+QString canonical(const QDomNode &node)
+{
+    if (node.isText())
+        return node.nodeValue();
+    QStringList attributes;
+    for (int i = 0; i < node.attributes().count(); ++i) {
+        const QDomAttr attribute = node.attributes().item(i).toAttr();
+        attributes << QString(" %1=\"%2\"").arg(attribute.name(), attribute.value());
+    }
+    attributes.sort();
+    QString inner;
+    for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling())
+        inner += canonical(child) + (child.isElement() ? "\n" : "");
+    const QString tag = node.toElement().tagName();
+    return QString("<%1%2>%3</%1>").arg(tag, attributes.join(""), inner);
+}
+
+QByteArray canonicalFile(const QString &path)
+{
+    QDomDocument document;
+    document.setContent(readAll(path));
+    return canonical(document.documentElement()).toUtf8();
+}
+
+class SaveFile : public ::testing::Test
+{
+protected:
+    void copy(const QString &from)
+    {
+        QFile::remove(path());
+        ASSERT_TRUE(QFile::copy(from, path()));
+        QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner);
+    }
+    void load(const char *pid)
+    {
+        *data = {};
+        ASSERT_EQ(XMLHelp(path()).LoadConfig(data.get(), pid, apps), 1) << pid;
+    }
+    void save() { XMLHelp(path()).SaveConfig(data.get(), apps); }
+    void setApps(const QStringList &paths)
+    {
+        qDeleteAll(apps);
+        apps.clear();
+        for (const QString &appPath : paths) {
+            auto *node = new _stAppConfigNode{};
+            node->Key[0].id = 1;
+            copyTextField(node->Key[0].func, "k" + appPath);
+            apps.insert(appPath, node);
+        }
+    }
+    QString path() const { return dir.filePath("config.xml"); }
+    void TearDown() override { qDeleteAll(apps); }
+
+    QTemporaryDir dir;
+    std::unique_ptr<stTablet_XMLData> data = std::make_unique<stTablet_XMLData>();
+    QMap<QString, _stAppConfigNode *> apps;
+};
+
+TEST_F(SaveFile, WritesTheWholeFileIndentedByTwo)
+{
+    copy(testData("save/indent.in.xml"));
+    load("QTB0610");
+    data->DeviceCurPenID = 2;
+    data->DeviceKeyNum = 9;
+    data->CommonAPP.Key[0].id = 1;
+    copyTextField(data->CommonAPP.Key[0].func, "1|Copy|29:0+46:0");
+    save();
+    EXPECT_EQ(readAll(path()), readAll(testData("save/indent.out.xml")));
+}
+
+TEST_F(SaveFile, RoundTripLeavesEveryModelUnchanged)
+{
+    const QByteArray expected = canonicalFile(PROFILES_DEFAULT_CONFIG);
+    copy(PROFILES_DEFAULT_CONFIG);
+    QDomDocument original;
+    ASSERT_TRUE(original.setContent(readAll(PROFILES_DEFAULT_CONFIG)));
+    int models = 0;
+    for (QDomElement section = original.documentElement().firstChildElement(); !section.isNull();
+         section = section.nextSiblingElement(), ++models) {
+        load(section.tagName().toUtf8().constData());
+        save();
+        ASSERT_EQ(canonicalFile(path()), expected) << section.tagName().toStdString();
+    }
+    EXPECT_GE(models, 50);
+}
+
+using Edit = void (*)(stTablet_XMLData &);
+
+// Each section saved in turn: what the record owns is stored, actions, traits and areas are
+// not, cleared functions leave empty elements, children past the records stay as they were.
+const std::pair<const char *, Edit> kEdits[] = {
+    {"QTB0610",
+     [](stTablet_XMLData &d) {
+         d.ScreenId = 1;
+         d.SW = 1920;
+         d.Orientation = 2;
+         d.DisableQuickKey = 1;
+         d.fXLC = 0.25f;
+         d.OrientArea[0].W = 500;
+         d.DeviceKeyNum = 9;
+         d.CommonAPP.Pen[0].P1Y = 0.75f;
+         d.CommonAPP.Pen[0].Speed = 9;
+         d.CommonAPP.Pen[0].PenBtn[2].id = 1;
+         copyTextField(d.CommonAPP.Pen[0].PenBtn[2].func, "2|Calc|gnome-calculator");
+         d.CommonAPP.Pen[0].PenBtn[1].Actid = 3;
+         d.CommonAPP.Key[1].id = 1;
+         copyTextField(d.CommonAPP.Key[1].func, "1|Copy|29:0+46:0");
+         d.CommonAPP.Key[2].Actid = 99;
+         d.CommonAPP.SelectID = 2;
+     }},
+    {"QTB1560",
+     [](stTablet_XMLData &d) {
+         d.CommonAPP.Pen[3].P0 = 0.1f;
+         d.CommonAPP.Ring[1].Speed = 4;
+         d.CommonAPP.Ring[1].mode = 2;
+     }},
+    {"TQR4470",
+     [](stTablet_XMLData &d) {
+         d.CommonAPP.Ring[1].mode = 3;
+         d.CommonAPP.Ring[0].Item[1].id = 2;
+         copyTextField(d.CommonAPP.Ring[0].Item[1].func, "1|Undo|29:0+44:0");
+         d.CommonAPP.Ring[0].Item[2].id = 1;
+         copyTextField(d.CommonAPP.Ring[0].Item[2].func, "1|Undo|29:0+44:0");
+     }},
+    {"QTB1612", [](stTablet_XMLData &d) { d.CommonAPP.Ring[1].id = 3; }},
+    {"QRM07",
+     [](stTablet_XMLData &d) {
+         d.CommonAPP.KeyGroup[2].bEnable = 1;
+         d.CommonAPP.KeyGroup[1].Key[10].id = 1;
+         copyTextField(d.CommonAPP.KeyGroup[1].Key[10].func, "1|a|30:0");
+     }},
+    {"Edge",
+     [](stTablet_XMLData &d) {
+         d.CommonAPP.Pen[0].PenBtn[1].id = 0;
+         d.CommonAPP.Key[0].id = 0;
+         d.CommonAPP.Ring[0].Item[0].id = 0;
+         d.CommonAPP.Ring[0].Item[3].id = 1;
+         d.CommonAPP.Pen[7].P0 = 0.5f;
+     }},
+};
+
+TEST_F(SaveFile, StoresWhatTheRecordOwnsAndNothingElse)
+{
+    copy(testData("save/store.in.xml"));
+    for (const auto &[model, edit] : kEdits) {
+        load(model);
+        edit(*data);
+        save();
+    }
+    expectGolden(canonicalFile(path()), testData("save/store.out.xml"));
+}
+
+// Each section of apps.in.xml saved with these applications: removed, cloned from the first,
+// or made from a template that follows the device's pens and wheels.
+TEST_F(SaveFile, AppsFollowTheMap)
+{
+    const std::pair<const char *, QStringList> cases[] = {
+        {"EmptyMap", {}},           {"EmptyMapNoApps", {}},         {"Template", {"/usr/bin/gimp"}},
+        {"ExtraApps", {"/b"}},      {"Clones", {"/c", "/a", "/b"}}, {"NoRingNoPen", {"/a"}},
+        {"TwoRingsTwoPens", {"/a"}}};
+    copy(testData("save/apps.in.xml"));
+    for (const auto &[model, paths] : cases) {
+        load(model);
+        setApps(paths);
+        save();
+    }
+    expectGolden(canonicalFile(path()), testData("save/apps.out.xml"));
+}
+
+// A file that is written past its end fails like a full disk, for root too.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_saved);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = m_saved;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_saved);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_saved{};
+    void (*m_handler)(int) = nullptr;
+};
+
+// What the folder holds: each name with its content, "<dir>" for a folder.
+QMap<QString, QByteArray> snapshot(const QString &folder)
+{
+    QMap<QString, QByteArray> entries;
+    for (const QFileInfo &info :
+         QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot))
+        entries.insert(info.fileName(), info.isDir() ? "<dir>" : readAll(info.filePath()));
+    return entries;
+}
+
+TEST_F(SaveFile, FailedSaveKeepsTheOldFile)
+{
+    const auto write = [this](const QString &name, const QByteArray &content) {
+        QFile file(dir.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    const QByteArray valid = "<Config><QTB0610><DeviceInfo><DeviceCurPenID>0</DeviceCurPenID>"
+                             "</DeviceInfo><Common/><CommonAPP/><Apps/></QTB0610></Config>";
+    // With the temporary file's suffix, the name no longer fits in a folder entry.
+    const QString longName(250, 'c');
+    const struct {
+        const char *name;
+        QString fileName;
+        std::function<void()> prepare;
+        bool diskFull;
+    } cases[] = {
+        {"not parseable", "config.xml", [&] { write("config.xml", "<Config><QTB0610>"); }, false},
+        {"no section", "config.xml",
+         [&] { write("config.xml", "<Config><QTB0610W><DeviceInfo/></QTB0610W></Config>"); },
+         false},
+        {"no file", "config.xml", [] {}, false},
+        {"a folder in its place", "config.xml", [&] { ASSERT_TRUE(QDir().mkdir(path())); }, false},
+        {"disk full", "config.xml", [&] { write("config.xml", valid); }, true},
+        {"no room for the temporary name", longName, [&] { write(longName, valid); }, false},
+    };
+    copyTextField(data->szPidName, "QTB0610");
+    data->DeviceCurPenID = 3;
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.name);
+        ASSERT_TRUE(QDir(dir.path()).removeRecursively());
+        ASSERT_TRUE(QDir().mkpath(dir.path()));
+        row.prepare();
+        const QMap<QString, QByteArray> before = snapshot(dir.path());
+        {
+            std::unique_ptr<FileSizeLimit> limit(row.diskFull ? new FileSizeLimit(16) : nullptr);
+            XMLHelp(dir.filePath(row.fileName)).SaveConfig(data.get(), apps);
+        }
+        EXPECT_EQ(snapshot(dir.path()), before);
+    }
+}
+
+// No NUL in a field: the text ends with the field, not in the next one.
+TEST_F(SaveFile, HostileRecordsAreReadWithinTheirFields)
+{
+    const char pid[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD";
+    static_assert(sizeof pid - 1 == kPidNameSize, "a name that fills the field");
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        QString("<Config><%1><DeviceInfo/><Common/><CommonAPP><Pen1><PenBtn1 id=\"0\"/></Pen1>"
+                "<K><K1 id=\"0\"/></K><R id=\"0\"><W1 id=\"0\"/></R></CommonAPP><Apps/></%1>"
+                "</Config>")
+            .arg(pid)
+            .toUtf8());
+    file.close();
+    memcpy(data->szPidName, pid, kPidNameSize);
+    data->DeviceControl = 0x4545;
+    _stAppConfigNode &node = data->CommonAPP;
+    node.Pen[0].PenBtn[1].id = 1;
+    memset(node.Pen[0].PenBtn[1].func, 'a', kFuncSize);
+    node.Pen[0].PenBtn[2].id = 0x4242;
+    node.Key[0].id = 1;
+    memset(node.Key[0].func, 'b', kFuncSize);
+    node.Key[0].Show = 'X';
+    node.Ring[0].Item[0].id = 2;
+    memset(node.Ring[0].Item[0].func, 'c', kFuncSize);
+    save();
+    QDomDocument saved;
+    ASSERT_TRUE(saved.setContent(readAll(path())));
+    const QDomElement app =
+        saved.documentElement().firstChildElement(pid).firstChildElement("CommonAPP");
+    EXPECT_EQ(app.firstChildElement("Pen1").firstChildElement("PenBtn1").text(),
+              QString(kFuncSize, 'a'));
+    EXPECT_EQ(app.firstChildElement("K").firstChildElement("K1").text(), QString(kFuncSize, 'b'));
+    EXPECT_EQ(app.firstChildElement("R").firstChildElement("W1").text(), QString(kFuncSize, 'c'));
+}
+
+} // namespace
