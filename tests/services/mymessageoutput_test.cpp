@@ -1,8 +1,8 @@
 #include "mymessageoutput.h"
 
+#include <QApplication>
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -13,29 +13,15 @@
 namespace
 {
 
-const QString kTimeFormat = QStringLiteral("yyyy-MM-dd hh:mm:ss ddd");
-
 QString homeFile(const char *name)
 {
-    return QDir::homePath() + QLatin1Char('/') + QLatin1String(name);
+    return QDir::homePath() + '/' + name;
 }
 
 QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
-QString now()
-{
-    return QDateTime::currentDateTime().toString(kTimeFormat);
 }
 
 class LogFile : public ::testing::Test
@@ -47,10 +33,15 @@ protected:
         QDir(homeFile("oldlog.txt")).removeRecursively();
         QFile::remove(homeFile("oldlog.txt"));
     }
-
     static void log(QtMsgType type, const char *text)
     {
-        myMessageOutput(type, QMessageLogContext(), QString::fromLatin1(text));
+        myMessageOutput(type, QMessageLogContext(), text);
+    }
+    static void writeLog(const QByteArray &bytes)
+    {
+        QFile file(homeFile("log.txt"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        ASSERT_EQ(file.write(bytes), bytes.size());
     }
 };
 
@@ -58,73 +49,63 @@ TEST_F(LogFile, LineHoldsTimeLevelWordMessageAndContext)
 {
     const QMessageLogContext full("src/pen.cpp", 42, "void Pen::draw()", "default");
     const QMessageLogContext none;
-    struct Case {
+    const QString fullTail = "hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n";
+    const QString noneTail = "hi File:  Line:0  Action:\r\n";
+    const struct {
         QtMsgType type;
-        const QMessageLogContext *context;
-        const char *rest;
-    };
-    const Case cases[] = {
-        {QtDebugMsg, &full, " Debug:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {QtWarningMsg, &full, " Warning:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {QtCriticalMsg, &full,
-         " Critical:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {QtFatalMsg, &full, " Fatal:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {QtInfoMsg, &full, " Info:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {static_cast<QtMsgType>(5), &full,
-         " Message:hi File:src/pen.cpp  Line:42  Action:void Pen::draw()\r\n"},
-        {QtDebugMsg, &none, " Debug:hi File:  Line:0  Action:\r\n"},
-        {QtFatalMsg, &none, " Fatal:hi File:  Line:0  Action:\r\n"},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.rest);
+        bool withContext;
+        const char *word;
+    } cases[] = {{QtDebugMsg, true, "Debug"},       {QtWarningMsg, true, "Warning"},
+                 {QtCriticalMsg, true, "Critical"}, {QtFatalMsg, true, "Fatal"},
+                 {QtInfoMsg, true, "Info"},         {QtMsgType(5), true, "Message"},
+                 {QtDebugMsg, false, "Debug"},      {QtFatalMsg, false, "Fatal"}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.word);
         SetUp();
+        const auto now = [] {
+            return QDateTime::currentDateTime().toString("yyyy-MM-dd hh:mm:ss ddd");
+        };
         const QString before = now();
-        myMessageOutput(c.type, *c.context, QStringLiteral("hi"));
+        myMessageOutput(c.type, c.withContext ? full : none, "hi");
         const QString after = now();
-        const QString line = QString::fromUtf8(readFile(homeFile("log.txt")));
-        const QString rest = QString::fromLatin1(c.rest);
-        EXPECT_TRUE(line == QStringLiteral("DateTime:") + before + rest ||
-                    line == QStringLiteral("DateTime:") + after + rest)
+        const QString rest = QString(" %1:").arg(c.word) + (c.withContext ? fullTail : noneTail);
+        const QString line = readFile(homeFile("log.txt"));
+        EXPECT_TRUE(line == "DateTime:" + before + rest || line == "DateTime:" + after + rest)
             << line.toStdString();
     }
 }
 
 TEST_F(LogFile, RotatesOnlyAboveTheLimit)
 {
-    const QByteArray kTail = " Info:trigger File:  Line:0  Action:\r\n";
-    struct Case {
-        int size;
-        bool rotated;
-    };
-    for (const Case c : {Case{1049599, false}, Case{1049600, true}}) {
-        SCOPED_TRACE(c.size);
+    for (const int size : {1049599, 1049600}) {
+        SCOPED_TRACE(size);
         SetUp();
-        const QByteArray old(c.size, 'x');
-        writeFile(homeFile("log.txt"), old);
+        const bool rotated = size > 1049599;
+        const QByteArray old(size, 'x');
+        writeLog(old);
         log(QtInfoMsg, "trigger");
         const QByteArray current = readFile(homeFile("log.txt"));
-        const QByteArray added = c.rotated ? current : current.mid(old.size());
-        EXPECT_EQ(current.startsWith(old), !c.rotated);
+        const QByteArray added = rotated ? current : current.mid(old.size());
+        EXPECT_EQ(current.startsWith(old), !rotated);
         EXPECT_TRUE(added.startsWith("DateTime:"));
-        EXPECT_TRUE(added.endsWith(kTail));
+        EXPECT_TRUE(added.endsWith(" Info:trigger File:  Line:0  Action:\r\n"));
         EXPECT_EQ(added.count("\r\n"), 1);
-        EXPECT_EQ(readFile(homeFile("oldlog.txt")), c.rotated ? old : QByteArray());
+        EXPECT_EQ(readFile(homeFile("oldlog.txt")), rotated ? old : QByteArray());
     }
 }
 
 TEST_F(LogFile, FailedCopyKeepsTheLogGrowing)
 {
     // A directory can be neither removed as a file nor overwritten, even by root.
-    ASSERT_TRUE(QDir().mkpath(homeFile("oldlog.txt") + QStringLiteral("/keep")));
+    ASSERT_TRUE(QDir().mkpath(homeFile("oldlog.txt") + "/keep"));
     const QByteArray old(1049600, 'x');
-    writeFile(homeFile("log.txt"), old);
+    writeLog(old);
     log(QtWarningMsg, "one");
     log(QtWarningMsg, "two");
     const QByteArray current = readFile(homeFile("log.txt"));
     EXPECT_TRUE(current.startsWith(old));
     EXPECT_EQ(current.mid(old.size()).count("\r\n"), 2);
     EXPECT_TRUE(current.endsWith(" Warning:two File:  Line:0  Action:\r\n"));
-    EXPECT_TRUE(QFileInfo(homeFile("oldlog.txt")).isDir());
 }
 
 TEST_F(LogFile, LaterChangeOfHomeDoesNotMoveTheLog)
@@ -135,7 +116,7 @@ TEST_F(LogFile, LaterChangeOfHomeDoesNotMoveTheLog)
     qputenv("HOME", other.path().toLocal8Bit());
     log(QtInfoMsg, "second");
     qputenv("HOME", home);
-    EXPECT_FALSE(QFile::exists(other.filePath(QStringLiteral("log.txt"))));
+    EXPECT_FALSE(QFile::exists(other.filePath("log.txt")));
     EXPECT_EQ(readFile(homeFile("log.txt")).count("\r\n"), 2);
 }
 
@@ -144,21 +125,17 @@ TEST_F(LogFile, TwoThreadsWriteWholeLines)
     constexpr int kPerThread = 300;
     const auto writer = [](char name) {
         for (int i = 0; i < kPerThread; ++i)
-            myMessageOutput(QtDebugMsg, QMessageLogContext(),
-                            QStringLiteral("%1%2").arg(QLatin1Char(name)).arg(i));
+            myMessageOutput(QtDebugMsg, QMessageLogContext(), QString("%1%2").arg(name).arg(i));
     };
     std::thread a(writer, 'A');
     std::thread b(writer, 'B');
     a.join();
     b.join();
-
-    const QString text = QString::fromLatin1(readFile(homeFile("log.txt")));
-    QStringList lines = text.split(QStringLiteral("\r\n"));
+    QStringList lines = QString(readFile(homeFile("log.txt"))).split("\r\n");
     ASSERT_EQ(lines.takeLast(), QString());
     ASSERT_EQ(lines.size(), 2 * kPerThread);
-    const QRegularExpression shape(
-        QStringLiteral("^DateTime:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d \\S+ Debug:([AB]\\d+) "
-                       "File:  Line:0  Action:$"));
+    const QRegularExpression shape("^DateTime:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d \\S+ "
+                                   "Debug:([AB]\\d+) File:  Line:0  Action:$");
     QSet<QString> messages;
     for (const QString &line : lines) {
         const QRegularExpressionMatch match = shape.match(line);
@@ -169,3 +146,15 @@ TEST_F(LogFile, TwoThreadsWriteWholeLines)
 }
 
 } // namespace
+
+// The log handler fixes its paths at its first message, so HOME has to point at a
+// folder of the test run before any test logs.
+int main(int argc, char **argv)
+{
+    QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
