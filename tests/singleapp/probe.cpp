@@ -1,16 +1,12 @@
 // One QtSingleApplication instance driven from the command line:
 //   singleapp_probe <id> run <hex utf-8 message> <timeout ms>
-//     first instance: prints "first", then "message <hex>" and exits 0 when a
-//     message arrives, or "timeout" and exits 1;
-//     later instance: sends the message, prints "sent" (exit 0) or "not-sent" (exit 2).
+//     first instance: prints "first", then "message <hex>" when a message arrives (exit 0),
+//     or "timeout" (exit 1); later instance: sends the message, prints "sent" or "not-sent".
 //   singleapp_probe <id> report <hex utf-8 message> <timeout ms>
-//     prints "running=<0|1> sent=<0|1>" and exits 0.
-// Messages travel hex-encoded on the command line so the result does not depend
-// on the locale's 8-bit codec.
+//     prints "running=<0|1> sent=<0|1>".
+// Messages travel hex-encoded so the result does not depend on the locale's 8-bit codec.
 #include "qtsingleapplication.h"
 
-#include <QByteArray>
-#include <QStringList>
 #include <QTimer>
 
 #include <cstdio>
@@ -20,8 +16,7 @@ namespace
 
 void say(const QByteArray &line)
 {
-    std::fputs(line.constData(), stdout);
-    std::fputc('\n', stdout);
+    std::printf("%s\n", line.constData());
     std::fflush(stdout);
 }
 
@@ -29,37 +24,24 @@ void say(const QByteArray &line)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (argc != 5) {
-        std::fprintf(stderr, "usage: %s <id> run|report <hex message> <timeout ms>\n", argv[0]);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (argc != 5)
         return 64;
-    }
-    const QString id = QString::fromLocal8Bit(argv[1]);
-    QtSingleApplication app(id, argc, argv);
-    const QStringList args = app.arguments();
-    const QString mode = args.at(2);
-    const QString message = QString::fromUtf8(QByteArray::fromHex(args.at(3).toLatin1()));
-    bool timeoutOk = false;
-    const int timeoutMs = args.at(4).toInt(&timeoutOk);
-    if (!timeoutOk || (mode != QLatin1String("run") && mode != QLatin1String("report"))) {
-        std::fprintf(stderr, "bad arguments\n");
-        return 64;
-    }
-
-    if (mode == QLatin1String("report")) {
+    QtSingleApplication app(QString::fromLocal8Bit(argv[1]), argc, argv);
+    const QByteArray mode = argv[2];
+    const QString message = QString::fromUtf8(QByteArray::fromHex(argv[3]));
+    const int timeoutMs = atoi(argv[4]);
+    if (mode == "report") {
         const bool running = app.isRunning();
         const bool sent = app.sendMessage(message, timeoutMs);
         say(QByteArray("running=") + (running ? "1" : "0") + " sent=" + (sent ? "1" : "0"));
         return 0;
     }
-
     if (app.isRunning()) {
         const bool sent = app.sendMessage(message, timeoutMs);
         say(sent ? "sent" : "not-sent");
         return sent ? 0 : 2;
     }
-
     QObject::connect(&app, &QtSingleApplication::messageReceived, &app,
                      [&app](const QString &received) {
                          say("message " + received.toUtf8().toHex());
