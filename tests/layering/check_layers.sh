@@ -5,27 +5,17 @@
 set -u
 src=$1/src
 declare -A below=(
-    [types]=""
-    [profiles]="types"
-    [services]=""
-    [input]="types profiles services"
-    [pipeline]="input types profiles services"
-    [device]="pipeline input types profiles services"
+    [types]="" [profiles]="types" [services]="" [input]="types profiles services"
+    [pipeline]="input types profiles services" [device]="pipeline input types profiles services"
     [ui]="device pipeline input types profiles services"
 )
-
-owner_of() {
-    local found
-    found=$(find "$src" -name "$1" -print -quit)
-    [ -n "$found" ] || return 1
-    found=${found#"$src"/}
-    echo "${found%%/*}"
-}
-
 failures=0
 for library in "${!below[@]}"; do
     while IFS=: read -r file header; do
-        owner=$(owner_of "$header") || continue # generated: moc, uic, the catalogue
+        owner=$(find "$src" -name "$header" -print -quit)
+        [ -n "$owner" ] || continue # generated: moc, uic, the catalogue
+        owner=${owner#"$src"/}
+        owner=${owner%%/*}
         case " $library ${below[$library]} " in
             *" $owner "*) ;;
             *)
