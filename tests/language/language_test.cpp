@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSettings>
 #include <gtest/gtest.h>
@@ -16,11 +17,7 @@ QStringList lines(const QString &path)
 
 QStringList vocabulary()
 {
-    QStringList keys;
-    for (const QString &line : lines(LANGUAGE_VOCABULARY))
-        if (!line.isEmpty() && !line.startsWith('#'))
-            keys << line;
-    return keys;
+    return lines(LANGUAGE_VOCABULARY).filter(QRegularExpression("^[^#]"));
 }
 
 // Keys in file order, read without QSettings, so lines it would swallow or merge show up.
@@ -40,11 +37,7 @@ QStringList rawKeys(const QString &section)
 
 bool hasCjk(const QString &text)
 {
-    for (const QChar c : text)
-        if ((c.unicode() >= 0x4E00 && c.unicode() <= 0x9FFF) ||
-            (c.unicode() >= 0x3400 && c.unicode() <= 0x4DBF))
-            return true;
-    return false;
+    return text.contains(QRegularExpression("[\\x{3400}-\\x{4DBF}\\x{4E00}-\\x{9FFF}]"));
 }
 
 class LanguageFile : public ::testing::Test
