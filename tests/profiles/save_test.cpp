@@ -4,7 +4,6 @@
 #include <QTemporaryDir>
 
 #include <csignal>
-#include <functional>
 #include <memory>
 #include <sys/resource.h>
 
@@ -95,29 +94,6 @@ TEST_F(SaveFile, StoresWhatTheRecordOwnsAndNothingElse)
     expectGolden(readAll(path()), testData("save/store.out.xml"));
 }
 
-// A file that is written past its end fails like a full disk, for root too.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_saved);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_saved;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_saved);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_saved{};
-    void (*m_handler)(int) = nullptr;
-};
-
 // What the folder holds: each name with its content, "<dir>" for a folder.
 QMap<QString, QByteArray> snapshot(const QString &folder)
 {
@@ -130,44 +106,47 @@ QMap<QString, QByteArray> snapshot(const QString &folder)
 
 TEST_F(SaveFile, FailedSaveKeepsTheOldFile)
 {
-    const auto write = [this](const QString &name, const QByteArray &content) {
-        QFile file(dir.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    };
-    const QByteArray valid = "<Config><QTB0610><DeviceInfo><DeviceCurPenID>0</DeviceCurPenID>"
-                             "</DeviceInfo><Common/><CommonAPP/><Apps/></QTB0610></Config>";
-    // With the temporary file's suffix, the name no longer fits in a folder entry.
-    const QString longName(250, 'c');
+    const char *valid = "<Config><QTB0610><DeviceInfo><DeviceCurPenID>0</DeviceCurPenID>"
+                        "</DeviceInfo><Common/><CommonAPP/><Apps/></QTB0610></Config>";
+    // With the temporary file's suffix, a long name no longer fits in a folder entry; a file
+    // written past its size limit fails like a full disk, for root too.
     const struct {
         const char *name;
         QString fileName;
-        std::function<void()> prepare;
-        bool diskFull;
+        const char *content; // nullptr: no file
+        rlim_t sizeLimit;
     } cases[] = {
-        {"not parseable", "config.xml", [&] { write("config.xml", "<Config><QTB0610>"); }, false},
-        {"no section", "config.xml",
-         [&] { write("config.xml", "<Config><QTB0610W><DeviceInfo/></QTB0610W></Config>"); },
-         false},
-        {"no file", "config.xml", [] {}, false},
-        {"a folder in its place", "config.xml", [&] { ASSERT_TRUE(QDir().mkdir(path())); }, false},
-        {"disk full", "config.xml", [&] { write("config.xml", valid); }, true},
-        {"no room for the temporary name", longName, [&] { write(longName, valid); }, false},
+        {"not parseable", "config.xml", "<Config><QTB0610>", RLIM_INFINITY},
+        {"no section", "config.xml", "<Config><QTB0610W><DeviceInfo/></QTB0610W></Config>",
+         RLIM_INFINITY},
+        {"no file", "config.xml", nullptr, RLIM_INFINITY},
+        {"a folder in its place", "config.xml", "<dir>", RLIM_INFINITY},
+        {"disk full", "config.xml", valid, 16},
+        {"no room for the temporary name", QString(250, 'c'), valid, RLIM_INFINITY},
     };
     copyTextField(data->szPidName, "QTB0610");
     data->DeviceCurPenID = 3;
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     for (const auto &row : cases) {
         SCOPED_TRACE(row.name);
         ASSERT_TRUE(QDir(dir.path()).removeRecursively());
         ASSERT_TRUE(QDir().mkpath(dir.path()));
-        row.prepare();
+        QFile file(dir.filePath(row.fileName));
+        if (row.content == QByteArray("<dir>"))
+            ASSERT_TRUE(QDir().mkdir(file.fileName()));
+        else if (row.content && file.open(QIODevice::WriteOnly))
+            file.write(row.content);
+        file.close();
         const QMap<QString, QByteArray> before = snapshot(dir.path());
-        {
-            std::unique_ptr<FileSizeLimit> limit(row.diskFull ? new FileSizeLimit(16) : nullptr);
-            XMLHelp(dir.filePath(row.fileName)).SaveConfig(data.get(), apps);
-        }
+        rlimit saved{};
+        getrlimit(RLIMIT_FSIZE, &saved);
+        const rlimit limit{row.sizeLimit, saved.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        XMLHelp(file.fileName()).SaveConfig(data.get(), apps);
+        setrlimit(RLIMIT_FSIZE, &saved);
         EXPECT_EQ(snapshot(dir.path()), before);
     }
+    std::signal(SIGXFSZ, handler);
 }
 
 // No NUL in a field: the text ends with the field, not in the next one.
