@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QRect>
 #include <QStringList>
-#include <QVector>
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -25,22 +24,15 @@ inline std::vector<QStringList> caseRows(const char *name)
 }
 
 // "1,2,3" as numbers; "-" is an empty list.
-inline QVector<int> ints(const QString &field)
+inline QList<int> ints(const QString &field)
 {
-    QVector<int> numbers;
+    QList<int> numbers;
     for (const QString &number : field.split(',', Qt::SkipEmptyParts))
         numbers << number.toInt();
-    return field == "-" ? QVector<int>() : numbers;
+    return field == "-" ? QList<int>() : numbers;
 }
 
 inline QPoint point(const QString &field)
 {
-    const QVector<int> n = ints(field);
-    return QPoint(n.value(0), n.value(1));
-}
-
-inline QRect rect(const QString &field)
-{
-    const QVector<int> n = ints(field);
-    return QRect(n.value(0), n.value(1), n.value(2), n.value(3));
+    return QPoint(ints(field).value(0), ints(field).value(1));
 }

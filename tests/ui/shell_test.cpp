@@ -21,6 +21,7 @@
 #include <QTimer>
 
 #include <array>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -75,10 +76,7 @@ protected:
         return !expected.isNull() &&
                target->pixmap(Qt::ReturnByValue).toImage() == expected.toImage();
     }
-    stTablet_XMLData &data(int slot) const
-    {
-        return *CGlobalData::TabletArray[slot]->m_TabletXMLData;
-    }
+    auto &data(int slot) const { return *CGlobalData::TabletArray[slot]->m_TabletXMLData; }
 
     std::unique_ptr<MainWindow> m_Window;
     QListWidget *m_List = nullptr;
@@ -346,7 +344,7 @@ TEST_F(ActionMessages, FineAreaGoesToTheCurrentTabletOrEveryTabletInFineMode)
 }
 
 // Opens on the current mapping's screen for the sender; the second message closes it.
-TEST_F(ActionMessages, FineModeMessageOpensOnTheMappedScreenAndCloses)
+TEST_F(ActionMessages, FineModeMessageOpensAndClosesTheOverlay)
 {
     CGlobalData::ScreenArray[9] = QRect(0, 1024, 800, 600);
     makeCurrent(0);
@@ -359,11 +357,7 @@ TEST_F(ActionMessages, FineModeMessageOpensOnTheMappedScreenAndCloses)
     m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
     EXPECT_EQ(m_Window->fineMode(), nullptr);
     EXPECT_EQ(data(2).bBERectOn, 0);
-}
-
-// A remote turns fine mode on for the first other tablet; Escape ends it everywhere.
-TEST_F(ActionMessages, RemoteOpensFineModeForAnotherTabletAndEscapeCloses)
-{
+    // A remote turns fine mode on for the first other tablet; Escape ends it everywhere.
     m_Tablets[0].m_DeviceAttributes.DeviceType = DeviceTypeRemote;
     m_Window->ReceivActionMsg(0, kMsgFineMode, 0);
     EXPECT_EQ(data(0).bBERectOn, 0);
@@ -394,59 +388,39 @@ TEST_F(ActionMessages, CalibrationTermsGoToTheCurrentTabletOnly)
               std::vector<float>({0.5f, 1.5f, 0.75f, 1.25f}));
 }
 
-const QRect kSentinel(7, 7, 7, 7);
-const QRect kOffscreen(0, 0, 800, 600); // the offscreen platform's one screen
-
-void scramble(int screenNum = 5)
-{
-    std::fill(std::begin(CGlobalData::ScreenArray), std::end(CGlobalData::ScreenArray), kSentinel);
-    std::fill(std::begin(CGlobalData::LogicScreenArray), std::end(CGlobalData::LogicScreenArray),
-              kSentinel);
-    CGlobalData::ScreenNum = screenNum;
-    CGlobalData::PrimaryID = 3;
-}
-
 // Slot 0 of the screen table is the whole desktop; unfilled logical slots are all-zero.
-void expectOffscreenTables()
+TEST_F(Shell, ScreenTablesFilledByTheConstructorAndOnEveryDesktopChange)
 {
-    for (int i = 0; i < kScreenSlots; ++i) {
-        EXPECT_EQ(CGlobalData::ScreenArray[i], i < 2 ? kOffscreen : QRect()) << i;
-        EXPECT_EQ(CGlobalData::LogicScreenArray[i], i == 1 ? kOffscreen : QRect(0, 0, 1, 1)) << i;
-    }
-    EXPECT_EQ(CGlobalData::ScreenNum, 1);
-    EXPECT_EQ(CGlobalData::PrimaryID, 0);
-}
-
-using ScreenTables = Shell;
-
-TEST_F(ScreenTables, FilledByTheConstructorAndOnEveryDesktopChange)
-{
-    m_Window.reset();
-    scramble();
-    m_Window = std::make_unique<MainWindow>();
-    expectOffscreenTables();
     QDesktopWidget *desktop = QApplication::desktop();
-    for (const char *signal : {"resized", "screenCountChanged", "workAreaResized"}) {
-        scramble();
-        ASSERT_TRUE(QMetaObject::invokeMethod(desktop, signal, Q_ARG(int, 0)));
-        expectOffscreenTables();
+    const std::function<void()> changes[] = {
+        [this] {
+            m_Window.reset();
+            m_Window = std::make_unique<MainWindow>();
+        },
+        [desktop] { QMetaObject::invokeMethod(desktop, "resized", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "screenCountChanged", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "workAreaResized", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "primaryScreenChanged"); }};
+    for (const auto &change : changes) {
+        std::fill(std::begin(CGlobalData::ScreenArray), std::end(CGlobalData::ScreenArray),
+                  QRect(7, 7, 7, 7));
+        std::fill(std::begin(CGlobalData::LogicScreenArray),
+                  std::end(CGlobalData::LogicScreenArray), QRect(7, 7, 7, 7));
+        CGlobalData::ScreenNum = 5;
+        CGlobalData::PrimaryID = 3;
+        change();
+        for (int i = 0; i < kScreenSlots; ++i) {
+            EXPECT_EQ(CGlobalData::ScreenArray[i], i < 2 ? QRect(0, 0, 800, 600) : QRect()) << i;
+            EXPECT_EQ(CGlobalData::LogicScreenArray[i],
+                      i == 1 ? QRect(0, 0, 800, 600) : QRect(0, 0, 1, 1))
+                << i;
+        }
+        EXPECT_EQ(CGlobalData::ScreenNum + CGlobalData::PrimaryID, 1);
     }
-    scramble();
-    ASSERT_TRUE(QMetaObject::invokeMethod(desktop, "primaryScreenChanged"));
-    expectOffscreenTables();
-}
-
-TEST_F(ScreenTables, LogicalTableReadsScreenNumOnly)
-{
-    scramble(0);
-    MainWindow::EnumLogicDisplay();
-    for (const QRect &slot : CGlobalData::LogicScreenArray)
-        EXPECT_EQ(slot, QRect(0, 0, 1, 1));
-    EXPECT_EQ(CGlobalData::ScreenArray[1], kSentinel);
 }
 
 // Reader threads only emit; the window shows the tip on the GUI thread, for a while.
-TEST_F(ScreenTables, TipsFromReaderThreadsShowOnTheGuiThread)
+TEST_F(Shell, TipsFromReaderThreadsShowOnTheGuiThread)
 {
     MyLrc *tip = dynamic_cast<MyLrc *>(CGlobalData::Show_Info);
     ASSERT_NE(tip, nullptr);

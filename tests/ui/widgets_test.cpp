@@ -29,10 +29,12 @@ TEST(SortQRectRect, OrdersSlotsOneToNineByLeftThenTop)
         QRect src[kScreenSlots + 2], dst[kScreenSlots + 2];
         std::fill(std::begin(src), std::end(src), sentinel);
         std::fill(std::begin(dst), std::end(dst), sentinel);
-        for (int i = 5; i < c.size(); ++i)
-            src[i - 4] = rect(c[i]);
+        for (int i = 5; i < c.size(); ++i) {
+            const QList<int> r = ints(c[i]);
+            src[i - 4] = QRect(r[0], r[1], r[2], r[3]);
+        }
         const std::vector<QRect> unsorted(std::begin(src), std::end(src));
-        const QVector<int> order = ints(c[4]);
+        const QList<int> order = ints(c[4]);
         CGlobalData::PrimaryID = c[2].toInt();
         MainWindow::SortQRectRect(src, dst, c[0].toInt(), c[1] == "1");
         EXPECT_EQ(CGlobalData::PrimaryID, c[3].toInt());
@@ -240,12 +242,12 @@ TEST(SettingForm, ConsentPartShowsSilentlyAndSendsClicks)
     SettingForm form;
     QSignalSpy spy(&form, &SettingForm::CollectDataChecked);
     QWidget *consent = form.findChild<QWidget *>("SettingFormWidget2");
-    form.SetDataCollectVisable(false, false);
-    EXPECT_TRUE(consent->isHidden());
-    form.SetDataCollectVisable(true, true);
-    EXPECT_FALSE(consent->isHidden());
     auto *box = form.findChild<QAbstractButton *>("HotKeyWincheckBox_1");
-    EXPECT_TRUE(box->isChecked());
+    for (bool shown : {false, true}) {
+        form.SetDataCollectVisable(shown, shown);
+        EXPECT_EQ(consent->isHidden(), !shown);
+        EXPECT_EQ(box->isChecked(), shown);
+    }
     EXPECT_EQ(spy.count(), 0);
     box->click();
     ASSERT_EQ(spy.count(), 1);
