@@ -122,22 +122,10 @@ TEST_F(Shell, ApplicationButtonsKeepOneToEightApplications)
     }
 }
 
-TEST_F(Shell, OkSavesEveryTabletAndCancelRevertsToTheSaved)
-{
-    plug("a", 0x0B40, 1);
-    plug("b", 0x0B44, 2);
-    data(0).TX = 2;
-    data(1).TX = 8;
-    m_Window->on_pushButton_ok_clicked();
-    data(0).TX = 9;
-    data(1).TX = 1;
-    m_Window->on_pushButton_cancel_clicked();
-    EXPECT_EQ(data(0).TX + 10 * data(1).TX, 82);
-    EXPECT_TRUE(configFile().contains("<TX>2</TX>") && configFile().contains("<TX>8</TX>"));
-}
-
-// Closing leaves the driver in the tray; it saves only with a device.
-TEST_F(Shell, CloseHidesToTheTrayAndSavesWhenThereIsADevice)
+// Without a device, closing only hides to the tray. With devices, OK saves every tablet,
+// Cancel reverts to the saved, closing saves and the devices keep working, and Exit saves,
+// gives every device back to the system and ends the event loop.
+TEST_F(Shell, SaveRevertCloseToTheTrayAndExit)
 {
     const QByteArray before = configFile();
     m_Window->show();
@@ -151,23 +139,28 @@ TEST_F(Shell, CloseHidesToTheTrayAndSavesWhenThereIsADevice)
     EXPECT_EQ(configFile(), before);
     QApplication::processEvents();
     EXPECT_FALSE(dynamic_cast<QWidget *>(CGlobalData::Show_Info)->isVisible()) << "no tip";
-    plug("tab", 0x0B40);
+
+    plug("a", 0x0B40, 1);
+    plug("b", 0x0B44, 2);
+    data(0).TX = 2;
+    data(1).TX = 8;
+    m_Window->on_pushButton_ok_clicked();
+    data(0).TX = 9;
+    data(1).TX = 1;
+    m_Window->on_pushButton_cancel_clicked();
+    EXPECT_EQ(data(0).TX + 10 * data(1).TX, 82);
+    EXPECT_TRUE(configFile().contains("<TX>2</TX>") && configFile().contains("<TX>8</TX>"));
     m_Window->show();
     data(0).TX = 3;
     m_Window->on_closeBtn_clicked();
     EXPECT_FALSE(m_Window->isVisible());
     EXPECT_TRUE(configFile().contains("<TX>3</TX>"));
-    EXPECT_NE(CGlobalData::TabletArray[0], nullptr) << "the device keeps working";
-}
+    ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
 
-TEST_F(Shell, ExitSavesGivesEveryDeviceBackAndQuits)
-{
-    plug("a", 0x0B40, 1);
-    plug("b", 0x0B44, 2);
     data(1).TX = 7;
     QTimer::singleShot(0, m_Window.get(), &MainWindow::OnQuiqDriver);
     QTimer::singleShot(5000, qApp, [] { QCoreApplication::exit(1); });
-    EXPECT_EQ(QCoreApplication::exec(), 0) << "Exit ends the event loop";
+    EXPECT_EQ(QCoreApplication::exec(), 0);
     EXPECT_TRUE(configFile().contains("<TX>7</TX>"));
     for (const char *name : {"a", "b"})
         EXPECT_EQ(fakeusb::writesTo(name).back().data,
