@@ -402,16 +402,25 @@ TEST_F(Shell, ScreenTablesFilledByTheConstructorAndOnEveryDesktopChange)
     }
 }
 
-// Reader threads only emit; the window shows the tip on the GUI thread, for a while.
+// Reader threads only emit; the window shows the tip on the GUI thread, for a while. A
+// second tip replaces the first and restarts its time; an empty text shows nothing.
 TEST_F(Shell, TipsFromReaderThreadsShowOnTheGuiThread)
 {
     MyLrc *tip = dynamic_cast<MyLrc *>(CGlobalData::Show_Info);
     ASSERT_NE(tip, nullptr);
-    std::thread([tip] { tip->EmitInfo("Saved"); }).join();
+    tip->ShowInfoText(QString(), true);
+    EXPECT_FALSE(tip->isVisible() || tip->timer().isActive());
+    std::thread([tip] { tip->EmitInfo("First"); }).join();
     EXPECT_FALSE(tip->isVisible());
     QTRY_VERIFY_WITH_TIMEOUT(tip->isVisible(), 2000);
-    EXPECT_EQ(tip->lines(), QStringList{"Saved"});
+    EXPECT_EQ(tip->lines(), QStringList{"First"});
     EXPECT_FALSE(tip->listMode());
+    QTest::qWait(600);
+    tip->ShowInfoText("Second", true);
+    EXPECT_EQ(tip->lines(), QStringList{"Second"});
+    EXPECT_GT(tip->timer().remainingTime(), 600);
+    QTRY_VERIFY_WITH_TIMEOUT(!tip->isVisible(), 5000);
+    EXPECT_TRUE(tip->lines().isEmpty());
     std::thread([tip] { tip->EmitRingLrcInfo({"Zoom", "Scroll", "Brush"}, 1); }).join();
     QTRY_VERIFY_WITH_TIMEOUT(tip->listMode(), 2000);
     EXPECT_EQ(tip->lines(), (QStringList{"Zoom", "Scroll", "Brush"}));
