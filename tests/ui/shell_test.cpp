@@ -1,411 +1,431 @@
 #include "actionmessages.h"
 #include "batterywidget.h"
+#include "cases.h"
+#include "devicecommands.h"
 #include "devicefixture.h"
+#include "jingximode.h"
 #include "mainwindow.h"
 #include "mylrc.h"
 #include "settingform.h"
 #include "traymenu.h"
 
+#include <QAbstractButton>
 #include <QApplication>
-#include <QCheckBox>
-#include <QFile>
-#include <QGroupBox>
+#include <QDesktopWidget>
 #include <QLabel>
 #include <QListWidget>
 #include <QMouseEvent>
 #include <QResource>
 #include <QTabWidget>
+#include <QTest>
 #include <QTimer>
 
-#include <string>
+#include <array>
+#include <functional>
+#include <thread>
 #include <vector>
 
 namespace
 {
 
-struct PageRows {
-    const char *model;
-    uint16_t pid;
-    const char *deviceInfo;
-    std::vector<const char *> rows;
-    std::vector<bool> hidden;
-    int selectedRow;
-    int page;
-};
-
-// Row texts are the built-in ones: the test folder has no language file.
-const PageRows kPageRows[] = {
-    {"QTB0610",
-     0x0B40,
-     "<DeviceKeyNum>4</DeviceKeyNum>",
-     {"Work Area", "Pen", "Shortcut Key"},
-     {false, false, false},
-     0,
-     0},
-    {"QTB0860",
-     0x0B44,
-     "<DeviceKeyNum>8</DeviceKeyNum><DeviceRingNum>1</DeviceRingNum>",
-     {"Work Area", "Pen", "Shortcut Key", "Wheel"},
-     {false, false, false, false},
-     0,
-     0},
-    {"TQR4470",
-     0xA101,
-     "<DeviceKeyNum>4</DeviceKeyNum><DeviceTrackPad>1</DeviceTrackPad>",
-     {"Work Area", "Pen", "Shortcut Key", "Wheel"},
-     {false, false, false, false},
-     0,
-     0},
-    {"QPD1200",
-     0x0A18,
-     "<DeviceKeyNum>0</DeviceKeyNum>",
-     {"Work Area", "Pen"},
-     {false, false},
-     0,
-     0},
-    {"QRK12",
-     0x03E1,
-     "<DeviceKeyNum>10</DeviceKeyNum><DeviceRingNum>1</DeviceRingNum>",
-     {"Work Area", "Pen", "Shortcut Key", "Wheel"},
-     {true, true, false, false},
-     2,
-     2},
-    // Group keys keep the wheel off the list and always land on the keypad page.
-    {"QRM07",
-     0x03E2,
-     "<DeviceKeyNum>11</DeviceKeyNum><DeviceRingNum>1</DeviceRingNum>"
-     "<SupportGroupKeys>1</SupportGroupKeys>",
-     {"Work Area", "Pen", "Shortcut Key"},
-     {true, true, false},
-     2,
-     5},
-};
-
-QString sectionWith(const QString &model, const QString &deviceInfo, const QString &apps = {})
-{
-    return QString("<%1><DeviceInfo>%2</DeviceInfo><Common><ScreenMapping id=\"0\"><SX>0</SX>"
-                   "<SY>0</SY><SW>0</SW><SH>0</SH></ScreenMapping><TabletPannel "
-                   "Orientation=\"0\"><TX>0</TX><TY>0</TY><TW>0</TW><TH>0</TH></TabletPannel></"
-                   "Common><CommonAPP/><Apps>%3</Apps></%1>")
-        .arg(model, deviceInfo, apps);
-}
-
+// The window over the profiles of cases/shell_config.xml and scripted devices.
 class Shell : public DeviceFixture
 {
 protected:
+    static void SetUpTestSuite() { ASSERT_TRUE(QResource::registerResource(RESOURCE_FILE)); }
     void SetUp() override
     {
         DeviceFixture::SetUp();
-        QString sections;
-        for (const PageRows &kind : kPageRows)
-            sections += sectionWith(kind.model, kind.deviceInfo);
-        writeConfig(sections);
-        m_Window = std::make_unique<MainWindow>();
-        m_List = m_Window->findChild<QListWidget *>("listWidget_left");
-        m_Pages = m_Window->findChild<QTabWidget *>("tabWidget");
-        ASSERT_TRUE(m_List && m_Pages);
+        QFile config(UI_CASES_DIR "/shell_config.xml");
+        ASSERT_TRUE(config.open(QIODevice::ReadOnly));
+        writeConfig(QString::fromUtf8(config.readAll()));
+        restart();
     }
-
     void TearDown() override
     {
         m_Window.reset();
         DeviceFixture::TearDown();
     }
-
-    void plug(const std::string &name, uint16_t pid, uint8_t port)
+    void restart()
+    {
+        m_Window.reset();
+        fakeusb::reset();
+        m_Window = std::make_unique<MainWindow>();
+        m_List = child<QListWidget>("listWidget_left");
+        m_Pages = child<QTabWidget>("tabWidget");
+    }
+    void plug(const std::string &name, uint16_t pid, uint8_t port = 1)
     {
         fakeusb::addDevice(tablet(name, pid, port));
         ASSERT_TRUE(m_Window->EnumDeviceLinux(0));
     }
-
     QByteArray configFile() const
     {
         QFile file(m_Folder.filePath("config.xml"));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-
-    std::vector<fakeusb::Bytes> framesTo(const std::string &name) const
+    template <typename T = QWidget> T *child(const char *name) const
     {
-        std::vector<fakeusb::Bytes> frames;
-        for (const fakeusb::Write &write : fakeusb::writesTo(name))
-            frames.push_back(write.data);
-        return frames;
+        return m_Window->findChild<T *>(name);
     }
-
-    void press(const char *object, int y)
+    bool shows(const char *label, const QString &picture) const
     {
-        auto *target = m_Window->findChild<QWidget *>(object);
-        QMouseEvent press(QEvent::MouseButtonPress, QPointF(300, y), Qt::LeftButton, Qt::LeftButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(target, &press);
-        QMouseEvent move(QEvent::MouseMove, QPointF(340, y + 25), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(target, &move);
-        // The window followed the cursor, so the release is where the press was.
-        QMouseEvent release(QEvent::MouseButtonRelease, QPointF(300, y), Qt::LeftButton,
-                            Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &release);
+        auto *target = child<QLabel>(label);
+        const QPixmap expected =
+            QPixmap(picture).scaled(target->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        return !expected.isNull() &&
+               target->pixmap(Qt::ReturnByValue).toImage() == expected.toImage();
     }
+    auto &data(int slot) const { return *CGlobalData::TabletArray[slot]->m_TabletXMLData; }
 
     std::unique_ptr<MainWindow> m_Window;
     QListWidget *m_List = nullptr;
     QTabWidget *m_Pages = nullptr;
 };
 
-class ShellPages : public Shell, public ::testing::WithParamInterface<PageRows>
+// Only the pen page asks the tablet for live data; a key remote's settings have no pen.
+TEST_F(Shell, ListRowsPagesAndSettingsFollowTheDeviceKind)
 {
-};
-
-TEST_P(ShellPages, ListRowsAndFirstPageFollowTheDeviceKind)
-{
-    const PageRows &kind = GetParam();
-    plug(kind.model, kind.pid, 1);
-    ASSERT_EQ(m_List->count(), static_cast<int>(kind.rows.size()));
-    for (int row = 0; row < m_List->count(); ++row) {
-        EXPECT_EQ(m_List->item(row)->text(), kind.rows[row]) << "row " << row;
-        EXPECT_EQ(m_List->item(row)->isHidden(), kind.hidden[row]) << "row " << row;
-    }
-    EXPECT_EQ(m_List->currentRow(), kind.selectedRow);
-    EXPECT_EQ(m_Pages->currentIndex(), kind.page);
-}
-
-INSTANTIATE_TEST_SUITE_P(Kinds, ShellPages, ::testing::ValuesIn(kPageRows),
-                         [](const auto &info) { return std::string(info.param.model); });
-
-TEST_F(Shell, GroupKeyDeviceStaysOnTheKeypadPageWhicheverRowIsClicked)
-{
-    plug("remote", 0x03E2, 1);
-    for (int row = 0; row < m_List->count(); ++row) {
-        emit m_List->itemClicked(m_List->item(row));
-        EXPECT_EQ(m_Pages->currentIndex(), 5) << "row " << row;
-    }
-}
-
-TEST_F(Shell, ApplicationButtonsKeepOneToEightApplications)
-{
-    const struct {
-        int apps;
-        bool canDelete;
-        bool canAdd;
-    } cases[] = {{1, false, true}, {2, true, true}, {8, true, false}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.apps);
-        QString apps;
-        for (int i = 0; i < c.apps; ++i)
-            apps += QString("<app><path>/usr/bin/app%1</path></app>").arg(i);
-        writeConfig(sectionWith("QTB0610", "<DeviceKeyNum>4</DeviceKeyNum>", apps));
-        m_Window.reset();
-        fakeusb::reset();
-        m_Window = std::make_unique<MainWindow>();
-        plug("tab" + std::to_string(c.apps), 0x0B40, static_cast<uint8_t>(c.apps));
-        EXPECT_EQ(m_Window->findChild<QWidget *>("pushButton_delete")->isEnabled(), c.canDelete);
-        EXPECT_EQ(m_Window->findChild<QWidget *>("pushButton_add")->isEnabled(), c.canAdd);
+    for (const QStringList &kind : caseRows("kinds.txt")) {
+        SCOPED_TRACE(kind[0].toStdString());
+        restart();
+        plug(kind[0].toStdString(), kind[1].toUShort(nullptr, 0));
+        QStringList rows;
+        for (int row = 0; row < m_List->count(); ++row) {
+            const QString text = m_List->item(row)->text().replace(' ', '_');
+            rows << (m_List->item(row)->isHidden() ? "(" + text + ")" : text);
+        }
+        EXPECT_EQ(rows.join(','), kind[2]);
+        EXPECT_EQ(m_List->currentRow(), kind[3].toInt());
+        EXPECT_EQ(m_Pages->currentIndex(), kind[4].toInt());
+        EXPECT_EQ(child("pushButton_delete")->isEnabled(), kind[5] == "1");
+        EXPECT_EQ(child("pushButton_add")->isEnabled(), kind[6] == "1");
+        for (int row = 0; row < m_List->count(); ++row) {
+            emit m_List->itemClicked(m_List->item(row));
+            EXPECT_EQ(m_Pages->currentIndex(), kind[4] == "5" ? 5 : row) << row;
+            EXPECT_EQ(m_Window->currentTablet()->m_SendMultiData, row == 1) << row;
+        }
+        m_Window->ShowSettingForm();
+        for (const char *box : {"checkBox_pressure", "checkBox_slope"})
+            EXPECT_EQ(m_Window->settingForm()->findChild<QWidget *>(box)->isHidden(),
+                      kind[4] == "5");
     }
 }
 
-TEST_F(Shell, PenPageAloneAsksForLiveData)
-{
-    plug("tab", 0x0B40, 1);
-    CTablet *tablet = m_Window->currentTablet();
-    emit m_List->itemClicked(m_List->item(1));
-    EXPECT_EQ(m_Pages->currentIndex(), 1);
-    EXPECT_TRUE(tablet->m_SendMultiData);
-    emit m_List->itemClicked(m_List->item(2));
-    EXPECT_FALSE(tablet->m_SendMultiData);
-}
-
-TEST_F(Shell, OkSavesEveryTabletAndCancelRevertsToTheSaved)
-{
-    plug("a", 0x0B40, 1);
-    plug("b", 0x0B44, 2);
-    CTablet *first = CGlobalData::TabletArray[0];
-    CTablet *second = CGlobalData::TabletArray[1];
-    first->m_TabletXMLData->TX = 2;
-    second->m_TabletXMLData->TX = 8;
-    m_Window->on_pushButton_ok_clicked();
-    first->m_TabletXMLData->TX = 9;
-    second->m_TabletXMLData->TX = 1;
-    m_Window->on_pushButton_cancel_clicked();
-    EXPECT_EQ(first->m_TabletXMLData->TX, 2);
-    EXPECT_EQ(second->m_TabletXMLData->TX, 8);
-    EXPECT_TRUE(configFile().contains("<TX>2</TX>"));
-    EXPECT_TRUE(configFile().contains("<TX>8</TX>"));
-}
-
-TEST_F(Shell, CloseWithoutDeviceHidesWithoutSavingOrTip)
+// Without a device, closing only hides to the tray. With devices, OK saves every tablet,
+// Cancel reverts to the saved, closing saves and the devices keep working, and Exit saves,
+// gives every device back to the system and ends the event loop.
+TEST_F(Shell, SaveRevertCloseToTheTrayAndExit)
 {
     const QByteArray before = configFile();
     m_Window->show();
     m_Window->on_closeBtn_clicked();
     EXPECT_FALSE(m_Window->isVisible());
     ASSERT_NE(m_Window->trayIcon(), nullptr);
+    const QList<QAction *> entries = m_Window->trayMenu()->actions();
+    ASSERT_EQ(entries.size(), 2);
+    EXPECT_EQ(entries[0]->text() + entries[1]->text(), "ShowExit");
+    EXPECT_EQ(m_Window->trayIcon()->toolTip(), "Scribora");
     EXPECT_EQ(configFile(), before);
     QApplication::processEvents();
-    EXPECT_FALSE(dynamic_cast<QWidget *>(CGlobalData::Show_Info)->isVisible());
-}
+    EXPECT_FALSE(dynamic_cast<QWidget *>(CGlobalData::Show_Info)->isVisible()) << "no tip";
 
-TEST_F(Shell, CloseSavesAndLeavesTheDriverInTheTray)
-{
-    plug("tab", 0x0B40, 1);
+    plug("a", 0x0B40, 1);
+    plug("b", 0x0B44, 2);
+    data(0).TX = 2;
+    data(1).TX = 8;
+    m_Window->on_pushButton_ok_clicked();
+    data(0).TX = 9;
+    data(1).TX = 1;
+    m_Window->on_pushButton_cancel_clicked();
+    EXPECT_EQ(data(0).TX + 10 * data(1).TX, 82);
+    EXPECT_TRUE(configFile().contains("<TX>2</TX>") && configFile().contains("<TX>8</TX>"));
     m_Window->show();
-    CGlobalData::TabletArray[0]->m_TabletXMLData->TX = 3;
+    data(0).TX = 3;
     m_Window->on_closeBtn_clicked();
     EXPECT_FALSE(m_Window->isVisible());
     EXPECT_TRUE(configFile().contains("<TX>3</TX>"));
-    EXPECT_NE(CGlobalData::TabletArray[0], nullptr) << "the device keeps working";
-}
+    ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
 
-TEST_F(Shell, ExitSavesGivesEveryDeviceBackAndQuits)
-{
-    plug("a", 0x0B40, 1);
-    plug("b", 0x0B44, 2);
-    CGlobalData::TabletArray[1]->m_TabletXMLData->TX = 7;
+    data(1).TX = 7;
     QTimer::singleShot(0, m_Window.get(), &MainWindow::OnQuiqDriver);
     QTimer::singleShot(5000, qApp, [] { QCoreApplication::exit(1); });
-    EXPECT_EQ(QCoreApplication::exec(), 0) << "Exit ends the event loop";
+    EXPECT_EQ(QCoreApplication::exec(), 0);
     EXPECT_TRUE(configFile().contains("<TX>7</TX>"));
-    const fakeusb::Bytes giveBack = {0x02, 0xB0, 0x02, 0, 0, 0, 0, 0, 0, 0};
     for (const char *name : {"a", "b"})
-        EXPECT_EQ(framesTo(name).back(), giveBack) << name;
+        EXPECT_EQ(fakeusb::writesTo(name).back().data,
+                  fakeusb::Bytes({0x02, 0xB0, 0x02, 0, 0, 0, 0, 0, 0, 0}))
+            << name;
 }
 
-TEST_F(Shell, TrayMenuReadsShowAndExit)
-{
-    m_Window->InitSystemTray();
-    const QList<QAction *> entries = m_Window->trayMenu()->actions();
-    ASSERT_EQ(entries.size(), 2);
-    EXPECT_EQ(entries[0]->text(), "Show");
-    EXPECT_EQ(entries[1]->text(), "Exit");
-    EXPECT_EQ(m_Window->trayIcon()->toolTip(), "Scribora");
-}
-
+// The window follows the cursor, so the release is where the press was.
 TEST_F(Shell, HeadStripDragsUpToEighty)
 {
     m_Window->move(100, 100);
     const QPoint start = m_Window->pos();
-    press("groupBox_head", 81);
-    EXPECT_EQ(m_Window->pos(), start) << "below the strip";
-    press("groupBox_head", 80);
-    EXPECT_EQ(m_Window->pos(), start + QPoint(40, 25));
+    for (int y : {81, 80}) {
+        for (const auto &[type, at] : {std::pair{QEvent::MouseButtonPress, QPointF(300, y)},
+                                       {QEvent::MouseMove, QPointF(340, y + 25)},
+                                       {QEvent::MouseButtonRelease, QPointF(300, y)}}) {
+            QMouseEvent event(type, at, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(child("groupBox_head"), &event);
+        }
+        EXPECT_EQ(m_Window->pos(), start + (y == 80 ? QPoint(40, 25) : QPoint())) << y;
+    }
 }
 
-TEST_F(Shell, LastDeviceGoneShowsTheDisconnectedPanel)
+TEST_F(Shell, BatteryShowsForTheShownTabletUntilTheLastDeviceGoes)
 {
-    plug("tab", 0x0B40, 1);
-    EXPECT_FALSE(m_Pages->isHidden());
-    m_Window->DeleteUI();
-    EXPECT_TRUE(m_Pages->isHidden());
-    EXPECT_EQ(m_List->count(), 0);
-    EXPECT_FALSE(m_Window->findChild<QLabel *>("DisconnectTipsLabel")->isHidden());
-    EXPECT_TRUE(m_Window->batteryWidget()->isHidden());
-}
-
-TEST_F(Shell, BatteryOfTheShownTabletUpdatesItsWidget)
-{
-    plug("tab", 0x0B40, 1);
-    CTablet *tablet = CGlobalData::TabletArray[0];
-    tablet->m_BatteryValue = 45;
+    plug("tab", 0x0B40);
+    CGlobalData::TabletArray[0]->m_BatteryValue = 45;
     m_Window->ReceivActionMsg(0, kMsgBattery, 1);
     BatteryWidget *battery = m_Window->batteryWidget();
     EXPECT_FALSE(battery->isHidden());
     EXPECT_EQ(battery->GetValue(), 45);
     EXPECT_EQ(battery->barStyle(),
               "border-image:url(:/image/Res/battery_charging.png) 39 0 39 0 0;");
+    m_Window->DeleteUI();
+    EXPECT_TRUE(m_Pages->isHidden() && battery->isHidden());
+    EXPECT_EQ(m_List->count(), 0);
+    EXPECT_FALSE(child("DisconnectTipsLabel")->isHidden());
 }
 
+// Each switch stores its flag and shows it when the form opens again; the form hides when
+// the window turns active or on a close.
 TEST_F(Shell, SettingFormSwitchesStoreTheirFlagInTheShownProfile)
 {
-    plug("tab", 0x0B40, 1);
+    plug("tab", 0x0B40);
     m_Window->show();
     m_Window->ShowSettingForm();
     SettingForm *form = m_Window->settingForm();
-    ASSERT_TRUE(form && form->isVisible());
-    EXPECT_EQ(form->pos(), m_Window->frameGeometry().topLeft() + QPoint(590, 70));
-    const stTablet_XMLData &settings = *CGlobalData::TabletArray[0]->m_TabletXMLData;
-    const struct {
-        const char *box;
-        const int16_t &flag;
-    } switches[] = {{"checkBox_pressure", settings.DisablePressure},
-                    {"checkBox_slope", settings.DisableSlope},
-                    {"checkBox_shortcuts", settings.DisableQuickKey},
-                    {"checkBox_tips", settings.DisableInfo}};
-    for (const auto &entry : switches) {
-        form->findChild<QCheckBox *>(entry.box)->click();
-        EXPECT_EQ(entry.flag, 1) << entry.box;
+    const std::pair<const char *, const int16_t &> switches[] = {
+        {"checkBox_pressure", data(0).DisablePressure},
+        {"checkBox_slope", data(0).DisableSlope},
+        {"checkBox_shortcuts", data(0).DisableQuickKey},
+        {"checkBox_tips", data(0).DisableInfo}};
+    for (const auto &[name, flag] : switches) {
+        auto *box = form->findChild<QAbstractButton *>(name);
+        for (int value : {1, 0}) {
+            box->click();
+            EXPECT_EQ(flag, value) << name;
+            box->setChecked(!value);
+            m_Window->ShowSettingForm();
+            EXPECT_EQ(box->isChecked(), value == 1) << name;
+        }
     }
+    QApplication::setActiveWindow(form);
+    ASSERT_TRUE(form->isActiveWindow());
+    QApplication::setActiveWindow(m_Window.get());
+    EXPECT_TRUE(form->isHidden());
+    m_Window->ShowSettingForm();
+    m_Window->CloseSettingFormDevices();
+    EXPECT_TRUE(form->isHidden());
 }
 
-TEST_F(Shell, PagesShowThePicturesOfTheModel)
+// One pen: its type; several: the one last seen, on the shown tablet only.
+TEST_F(Shell, PagesShowThePicturesOfTheModelAndItsPen)
 {
-    ASSERT_TRUE(QResource::registerResource(RESOURCE_FILE));
-    writeConfig(sectionWith("QTB0860", "<DeviceKeyNum>8</DeviceKeyNum><DeviceRingNum>1"
-                                       "</DeviceRingNum><DevicePenType>2</DevicePenType>"
-                                       "<DevicePenNum>1</DevicePenNum>"));
-    plug("tab", 0x0B44, 1);
-    const struct {
-        const char *label;
-        const char *picture;
-    } pages[] = {{"label_penbg", ":/image/Res/pen2.png"},
-                 {"label_keyimage", ":/image/tablet/QTB0860_K0.png"},
-                 {"label_ringimage", ":/image/tablet/QTB0860_R.png"}};
-    for (const auto &page : pages) {
-        auto *label = m_Window->findChild<QLabel *>(page.label);
-        const QImage expected =
-            QPixmap(page.picture)
-                .scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                .toImage();
-        ASSERT_FALSE(expected.isNull()) << page.picture;
-        EXPECT_EQ(label->pixmap(Qt::ReturnByValue).toImage(), expected) << page.label;
-    }
-    QResource::unregisterResource(RESOURCE_FILE);
-}
-
-TEST_F(Shell, PenChangeShowsThePenNowOnTheTablet)
-{
-    ASSERT_TRUE(QResource::registerResource(RESOURCE_FILE));
-    writeConfig(sectionWith("QTB0610", "<DeviceKeyNum>4</DeviceKeyNum><DevicePenNum>3"
-                                       "</DevicePenNum><DeviceCurPenID>0</DeviceCurPenID>") +
-                sectionWith("QTB0860", "<DeviceKeyNum>8</DeviceKeyNum><DevicePenNum>3"
-                                       "</DevicePenNum><DeviceCurPenID>0</DeviceCurPenID>"));
+    plug("one pen", 0x0B44);
+    EXPECT_TRUE(shows("label_penbg", ":/image/Res/pen2.png"));
+    EXPECT_TRUE(shows("label_keyimage", ":/image/tablet/QTB0860_K0.png"));
+    EXPECT_TRUE(shows("label_ringimage", ":/image/tablet/QTB0860_R.png"));
+    restart();
     plug("shown", 0x0B40, 1);
-    plug("other", 0x0B44, 2);
-    auto *label = m_Window->findChild<QLabel *>("label_penbg");
-    const auto shows = [label](int number) {
-        return label->pixmap(Qt::ReturnByValue).toImage() ==
-               QPixmap(QString(":/image/Res/pen%1.png").arg(number))
-                   .scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                   .toImage();
-    };
-    EXPECT_TRUE(shows(1));
-    CGlobalData::TabletArray[1]->m_TabletXMLData->DeviceCurPenID = 1;
+    plug("other", 0x0A18, 2);
+    EXPECT_TRUE(shows("label_penbg", ":/image/Res/pen1.png"));
+    data(1).DeviceCurPenID = 1;
     m_Window->ReceivActionMsg(1, kMsgPenChange, 1);
-    EXPECT_TRUE(shows(1)) << "a tablet not shown leaves the page alone";
-    CGlobalData::TabletArray[0]->m_TabletXMLData->DeviceCurPenID = 2;
+    EXPECT_TRUE(shows("label_penbg", ":/image/Res/pen1.png"));
+    data(0).DeviceCurPenID = 2;
     m_Window->ReceivActionMsg(0, kMsgPenChange, 2);
-    EXPECT_TRUE(shows(3));
-    QResource::unregisterResource(RESOURCE_FILE);
+    EXPECT_TRUE(shows("label_penbg", ":/image/Res/pen3.png"));
 }
 
-struct BatteryBar {
-    int value;
-    int stored;
-    int row;
+// Three tablets of the test's own in slots 0 to 2, which record the commands sent to them;
+// they are taken out before the window goes.
+class RecordingTablet : public CTablet
+{
+public:
+    void SentCmd(int command, int p1, int p2) override { m_Sent.push_back({command, p1, p2}); }
+    std::vector<std::array<int, 3>> m_Sent;
 };
 
-TEST(BatteryWidgetBar, PicksTheSpriteRowOfTheCharge)
+class ActionMessages : public Shell
 {
-    const BatteryBar bars[] = {{-5, 0, 6},  {0, 0, 6},   {1, 1, 5},   {20, 20, 5},   {21, 21, 4},
-                               {60, 60, 3}, {61, 61, 2}, {99, 99, 1}, {100, 100, 0}, {140, 100, 0}};
-    BatteryWidget widget;
-    for (const BatteryBar &bar : bars) {
-        widget.SetBatteryValue(bar.value, 0);
-        EXPECT_EQ(widget.GetValue(), bar.stored) << bar.value;
-        EXPECT_EQ(widget.barStyle(),
-                  QString("border-image:url(:/image/Res/battery_uncharing.png) %1 0 %2 0 0;")
-                      .arg(13 * bar.row)
-                      .arg(78 - 13 * bar.row))
-            << bar.value;
+protected:
+    void SetUp() override
+    {
+        Shell::SetUp();
+        for (int slot = 0; slot < 3; ++slot)
+            CGlobalData::TabletArray[slot] = &m_Tablets[slot];
     }
+    void TearDown() override
+    {
+        std::fill(std::begin(CGlobalData::TabletArray), std::end(CGlobalData::TabletArray),
+                  nullptr);
+        Shell::TearDown();
+    }
+    void makeCurrent(int slot)
+    {
+        CGlobalData::TabletMap["Current"] = &m_Tablets[slot];
+        m_Window->InitUI("Current");
+    }
+
+    RecordingTablet m_Tablets[3];
+};
+
+// 20 is low, 21 is not; charging re-arms at any value; no tray icon, no note.
+TEST_F(ActionMessages, LowBatteryIsNotedOncePerFallWithATrayIcon)
+{
+    const int steps[][3] = {{3, 0, 0},  {50, 0, 0}, {20, 0, 1}, {20, 0, 1}, {5, 0, 1},
+                            {21, 0, 0}, {20, 0, 1}, {10, 1, 0}, {10, 0, 1}};
+    for (const auto &[value, chargeState, noted] : steps) {
+        m_Tablets[2].m_BatteryValue = value;
+        m_Window->ReceivActionMsg(2, kMsgBattery, chargeState);
+        EXPECT_EQ(m_Tablets[2].m_LowBatteryNoted, noted) << value << " " << chargeState;
+        m_Window->InitSystemTray();
+    }
+}
+
+TEST_F(ActionMessages, TouchStripRestoreFollowsTheStripModeAndSkipsEmptySlots)
+{
+    data(2).Orientation = 3;
+    data(2).CommonAPP.Ring[1].type = 1;
+    for (int slot : {3, 5, -1})
+        m_Window->ReceivActionMsg(slot, kMsgWirelessConnected, 0);
+    EXPECT_TRUE(m_Tablets[2].m_Sent.empty());
+    for (int mode : {0, 1}) {
+        data(2).CommonAPP.Ring[1].mode = mode;
+        m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
+    }
+    data(2).CommonAPP.Ring[1].type = 0;
+    m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
+    const std::vector<std::array<int, 3>> expected = {{kCmdTouchStrip, kStripWheel, 0},
+                                                      {kCmdTouchStrip, kStripTouch, 3}};
+    EXPECT_EQ(m_Tablets[2].m_Sent, expected);
+}
+
+// The current tablet is slot 1.
+TEST_F(ActionMessages, FineAreaGoesToTheCurrentTabletOrEveryTabletInFineMode)
+{
+    const int16_t cases[][2][3] = {
+        {{1, 1, 1}, {0, 1, 0}}, {{1, 0, 1}, {1, 0, 1}}, {{0, 0, 0}, {0, 0, 0}}};
+    makeCurrent(1);
+    for (const auto &[on, written] : cases) {
+        for (int slot = 0; slot < 3; ++slot) {
+            data(slot).bBERectOn = on[slot];
+            data(slot).BERect = {1, 2, 3, 4};
+        }
+        m_Window->GetBERect(QRect(100, 200, 320, 210));
+        for (int slot = 0; slot < 3; ++slot) {
+            const stBERect &area = data(slot).BERect;
+            EXPECT_EQ(QRect(area.x, area.y, area.w, area.h),
+                      written[slot] ? QRect(100, 200, 320, 210) : QRect(1, 2, 3, 4))
+                << slot;
+        }
+    }
+}
+
+// Opens on the current mapping's screen for the sender; the second message closes it.
+TEST_F(ActionMessages, FineModeMessageOpensAndClosesTheOverlay)
+{
+    CGlobalData::ScreenArray[9] = QRect(0, 1024, 800, 600);
+    makeCurrent(0);
+    data(0).ScreenId = 12;
+    m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
+    ASSERT_NE(m_Window->fineMode(), nullptr);
+    EXPECT_EQ(m_Window->fineMode()->geometry(), QRect(0, 1024, 800, 600));
+    EXPECT_EQ(data(2).bBERectOn, 1);
+    EXPECT_EQ(data(0).bBERectOn, 0);
+    m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
+    EXPECT_EQ(m_Window->fineMode(), nullptr);
+    EXPECT_EQ(data(2).bBERectOn, 0);
+    // A remote turns fine mode on for the first other tablet; Escape ends it everywhere.
+    m_Tablets[0].m_DeviceAttributes.DeviceType = DeviceTypeRemote;
+    m_Window->ReceivActionMsg(0, kMsgFineMode, 0);
+    EXPECT_EQ(data(0).bBERectOn, 0);
+    EXPECT_EQ(data(1).bBERectOn, 1);
+    data(2).bBERectOn = 1;
+    ASSERT_NE(m_Window->fineMode(), nullptr);
+    QTest::keyClick(m_Window->fineMode(), Qt::Key_Escape);
+    EXPECT_EQ(m_Window->fineMode(), nullptr);
+    EXPECT_EQ(data(1).bBERectOn + data(2).bBERectOn, 0);
+    m_Window->CloseJingxiMode();
+}
+
+// The calibration result goes to the current tablet, under the settings lock.
+TEST_F(ActionMessages, CalibrationTermsGoToTheCurrentTabletOnly)
+{
+    data(0).fKX = 1.0f;
+    m_Window->GetScreenCalibrate(0.5f, 1.5f, 0.75f, 1.25f);
+    EXPECT_EQ(data(0).fKX, 1.0f) << "no current tablet";
+    makeCurrent(0);
+    CGlobalData::XMLMutex.lock();
+    std::thread writer([this] { m_Window->GetScreenCalibrate(0.5f, 1.5f, 0.75f, 1.25f); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(data(0).fKX, 1.0f) << "waits for the lock";
+    CGlobalData::XMLMutex.unlock();
+    writer.join();
+    const stTablet_XMLData &d = data(0);
+    EXPECT_EQ(std::vector<float>({d.fKX, d.fKY, d.fXLC, d.fYLC}),
+              std::vector<float>({0.5f, 1.5f, 0.75f, 1.25f}));
+}
+
+// Slot 0 of the screen table is the whole desktop; unfilled logical slots are all-zero.
+TEST_F(Shell, ScreenTablesFilledByTheConstructorAndOnEveryDesktopChange)
+{
+    QDesktopWidget *desktop = QApplication::desktop();
+    const std::function<void()> changes[] = {
+        [this] {
+            m_Window.reset();
+            m_Window = std::make_unique<MainWindow>();
+        },
+        [desktop] { QMetaObject::invokeMethod(desktop, "resized", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "screenCountChanged", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "workAreaResized", Q_ARG(int, 0)); },
+        [desktop] { QMetaObject::invokeMethod(desktop, "primaryScreenChanged"); }};
+    for (const auto &change : changes) {
+        std::fill(std::begin(CGlobalData::ScreenArray), std::end(CGlobalData::ScreenArray),
+                  QRect(7, 7, 7, 7));
+        std::fill(std::begin(CGlobalData::LogicScreenArray),
+                  std::end(CGlobalData::LogicScreenArray), QRect(7, 7, 7, 7));
+        CGlobalData::ScreenNum = 5;
+        CGlobalData::PrimaryID = 3;
+        change();
+        for (int i = 0; i < kScreenSlots; ++i) {
+            EXPECT_EQ(CGlobalData::ScreenArray[i], i < 2 ? QRect(0, 0, 800, 600) : QRect()) << i;
+            EXPECT_EQ(CGlobalData::LogicScreenArray[i],
+                      i == 1 ? QRect(0, 0, 800, 600) : QRect(0, 0, 1, 1))
+                << i;
+        }
+        EXPECT_EQ(CGlobalData::ScreenNum + CGlobalData::PrimaryID, 1);
+    }
+}
+
+// Reader threads only emit; the window shows the tip on the GUI thread, for a while. A
+// second tip replaces the first and restarts its time; an empty text shows nothing.
+TEST_F(Shell, TipsFromReaderThreadsShowOnTheGuiThread)
+{
+    MyLrc *tip = dynamic_cast<MyLrc *>(CGlobalData::Show_Info);
+    ASSERT_NE(tip, nullptr);
+    tip->ShowInfoText(QString(), true);
+    EXPECT_FALSE(tip->isVisible() || tip->timer().isActive());
+    std::thread([tip] { tip->EmitInfo("First"); }).join();
+    EXPECT_FALSE(tip->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(tip->isVisible(), 2000);
+    EXPECT_EQ(tip->lines(), QStringList{"First"});
+    EXPECT_FALSE(tip->listMode());
+    QTest::qWait(600);
+    tip->ShowInfoText("Second", true);
+    EXPECT_EQ(tip->lines(), QStringList{"Second"});
+    EXPECT_GT(tip->timer().remainingTime(), 600);
+    QTRY_VERIFY_WITH_TIMEOUT(!tip->isVisible(), 5000);
+    EXPECT_TRUE(tip->lines().isEmpty());
+    std::thread([tip] { tip->EmitRingLrcInfo({"Zoom", "Scroll", "Brush"}, 1); }).join();
+    QTRY_VERIFY_WITH_TIMEOUT(tip->listMode(), 2000);
+    EXPECT_EQ(tip->lines(), (QStringList{"Zoom", "Scroll", "Brush"}));
+    EXPECT_EQ(tip->size().height(), 70) << "20 per line and 10 more";
+    EXPECT_EQ(tip->timer().interval(), 1200);
 }
 
 } // namespace
