@@ -34,5 +34,10 @@ protected:
 
 // `length` bytes starting with `head`, zero-padded.
 Bytes frame(size_t length, std::initializer_list<uint8_t> head);
+// Of the device tests' own data folder.
+// "02 b4 01": hex bytes; "*60@41" 60 bytes counting up from 0x41; "..10" zeros up to 10 bytes.
+Bytes bytes(const QString &text);
+// The rows of data/<name>, "#" lines left out, as their "|"-separated columns.
+std::vector<QStringList> table(const QString &name);
 // Hands a report over as the reader would, in a buffer of exactly its length.
 void feed(CTablet &tablet, const Bytes &report);

@@ -56,20 +56,6 @@ QStringList fields(const CTablet &t)
     return lines;
 }
 
-// "02 b4 01", with "*60@41" for 60 bytes counting up from 0x41.
-Bytes report(const QString &text)
-{
-    Bytes bytes;
-    for (const QString &token : text.split(' ', Qt::SkipEmptyParts)) {
-        const QStringList run = token.mid(1).split('@');
-        for (int i = 0; token.startsWith('*') && i < run[0].toInt(); ++i)
-            bytes.push_back(uint8_t(run[1].toInt(nullptr, 16) + i));
-        if (!token.startsWith('*'))
-            bytes.push_back(uint8_t(token.toInt(nullptr, 16)));
-    }
-    return bytes;
-}
-
 // Runs one case of replies.txt: "== setting=value ... | report ; report ...", and
 // gives the fields it changed and the signals it sent, in order.
 QStringList run(const QString &line)
@@ -123,7 +109,7 @@ QStringList run(const QString &line)
     });
     const QStringList before = fields(tablet);
     for (const QString &text : parts[1].split(';'))
-        feed(tablet, report(text));
+        feed(tablet, bytes(text));
     for (const QString &field : fields(tablet)) {
         if (!before.contains(field))
             out << field;

@@ -43,47 +43,24 @@ protected:
     std::vector<std::unique_ptr<CUSBTablet>> m_Tablets;
 };
 
+// data/ranges.txt: descriptor 100 | MaxX MaxY MaxPressure LPI Width Height
 TEST_F(Session, RangesFromDescriptor100)
 {
-    const struct {
-        Bytes descriptor;
-        int64_t maxX, maxY;
-        int pressure, lpi, width, height;
-    } cases[] = {
-        {{0x64, 0xCC, 0xA0, 0x73, 0, 0, 0xFF, 0x1F, 0xD8, 0x13, 0, 0},
-         52324,
-         29600,
-         8191,
-         5080,
-         1030,
-         582},
-        {{0x94, 0x51, 0x50, 0xC3, 0, 0, 0xFF, 0x3F, 0x88, 0x13, 0x01, 0x00},
-         86420,
-         50000,
-         16383,
-         5000,
-         1728,
-         1000},
-        {{0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0x64, 0, 0xFF, 0xFF},
-         0xFFFFFF,
-         0xFFFFFF,
-         0,
-         100,
-         16777215,
-         16777215},
-        {{0x10, 0x27, 0x88, 0x13, 0, 0, 0, 4, 0, 0, 0, 0}, 10000, 5000, 1024, 5080, 196, 98},
-        {{0x10, 0x27}, 10000, 0, 0, 5080, 196, 0},
-        {{}, 0, 0, 0, 5080, 0, 0},
-    };
     uint8_t port = 1;
-    for (const auto &c : cases) {
+    for (const QStringList &c : table("ranges.txt")) {
         fakeusb::Device device = tablet("tab" + std::to_string(port), 0x0B40, port);
-        device.rawStrings[100] = c.descriptor;
+        ++port;
+        device.rawStrings[100] = bytes(c[0]);
         const _DEVICE_ATTRIBUTES &a = open(device).m_DeviceAttributes;
-        SCOPED_TRACE(port++);
-        ASSERT_TRUE(m_Opened);
-        EXPECT_EQ(std::vector<int64_t>({a.MaxX, a.MaxY, a.MaxPressure, a.LPI, a.Width, a.Height}),
-                  std::vector<int64_t>({c.maxX, c.maxY, c.pressure, c.lpi, c.width, c.height}));
+        ASSERT_TRUE(m_Opened) << c[0].toStdString();
+        EXPECT_EQ(QString("%1 %2 %3 %4 %5 %6")
+                      .arg(a.MaxX)
+                      .arg(a.MaxY)
+                      .arg(a.MaxPressure)
+                      .arg(a.LPI)
+                      .arg(a.Width)
+                      .arg(a.Height),
+                  c[1].trimmed());
     }
 }
 
@@ -188,41 +165,22 @@ TEST_F(Session, RawDescriptorCopyIsPaddedAndBounded)
     EXPECT_EQ(out[0], 0xEE) << "untouched on failure";
 }
 
-// Frames are compared over their whole length as the device sees them.
+// data/commands.txt: command p1 p2 | the frame, compared over its whole length.
 TEST_F(Session, CommandFramesByteForByte)
 {
-    const struct {
-        int command, p1, p2;
-        Bytes frame; // empty: nothing is sent
-    } cases[] = {
-        {kCmdAskLight, kLightWheel, 0, {}}, // the device has no lights
-        {kCmdSetLight, kLightTablet, 9, frame(12, {0x02, 0xB4, 0x01, 0x01, 2, 9})},
-        {kCmdTouchStrip, kStripTouch, 3, frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 1, 3})},
-        {kCmdTouchStrip, kStripWheel, 3, frame(12, {0x02, 0xB4, 0x02, 0x01, 0, 3, 0})},
-        {kCmdReportMode, kReportModeSystem, 0, frame(10, {0x02, 0xB0, 0x02})},
-        {kCmdDisplayState, 1, 0, frame(10, {0x02, 0xB5, 0x00, 0xF0})},
-        {kCmdColourSpace, 1, 4, frame(10, {0x02, 0xB5, 1, 0x01, 0x01, 0, 4})},
-        {kCmdColourTemperature, 1, 5, frame(10, {0x02, 0xB5, 1, 0x01, 0x02, 0, 5})},
-        {kCmdRedGain, 1, 6, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x01, 6})},
-        {kCmdGreenGain, 1, 7, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x02, 7})},
-        {kCmdBlueGain, 1, 8, frame(10, {0x02, 0xB5, 1, 0x01, 0x03, 0x01, 0x03, 8})},
-        {116, 1, 8, {}},
-        {kCmdBrightness, 1, 80, frame(10, {0x02, 0xB5, 1, 0x03, 0, 0, 80})},
-        {kCmdContrast, 1, 50, frame(10, {0x02, 0xB5, 1, 0x04, 0, 0, 50})},
-        {kCmdDisplayReset, 1, 9, frame(10, {0x02, 0xB5, 1, 0x07, 0, 0, 0})},
-        {42, 1, 1, {}},
-    };
     writeConfig(section(QString::fromLatin1(row(0x0A5B).name)));
     CUSBTablet &session = open(tablet("display", 0x0A5B, 1));
     ASSERT_TRUE(m_Opened);
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.command);
-        const auto before = fakeusb::writesTo("display");
-        session.SentCmd(c.command, c.p1, c.p2);
+    for (const QStringList &c : table("commands.txt")) {
+        SCOPED_TRACE(c[0].toStdString());
+        const QStringList args = c[0].split(' ', Qt::SkipEmptyParts);
+        const size_t before = fakeusb::writesTo("display").size();
+        session.SentCmd(args[0].toInt(), args[1].toInt(), args[2].toInt());
         const auto after = fakeusb::writesTo("display");
-        ASSERT_EQ(after.size(), before.size() + !c.frame.empty());
-        if (!c.frame.empty()) {
-            EXPECT_EQ(after.back().data, c.frame);
+        const Bytes frame = bytes(c[1]);
+        ASSERT_EQ(after.size(), before + !frame.empty());
+        if (!frame.empty()) {
+            EXPECT_EQ(after.back().data, frame);
         }
     }
 }

@@ -16,13 +16,13 @@ namespace fakeusb
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
+using Lock = std::unique_lock<std::mutex>;
 constexpr uint16_t kLanguage = 0x0409;
 
+// One attachment of a device: a replug is a new one, so old handles stay dead.
 struct Attached {
     Device device;
     bool present = true;
-    uint64_t generation = 0; // renewed on every plug
     std::deque<Bytes> reports;
     int readErrors = 0;
 };
@@ -35,10 +35,9 @@ struct State {
     std::vector<Attached> devices;
     std::vector<std::pair<std::string, Write>> writes;
     std::set<FakeHotplug *> listeners;
-    uint64_t generations = 0;
     int openHandles = 0;
     int openCalls = 0;
-    uint64_t resets = 0; // handles of an earlier test close without counting
+    int resets = 0; // handles of an earlier test close without counting
 };
 
 // Never destroyed: the program's objects may call in during exit.
@@ -48,26 +47,19 @@ State &state()
     return *instance;
 }
 
-Attached *find(const std::string &name)
+Lock locked()
 {
-    for (Attached &candidate : state().devices) {
-        if (candidate.device.name == name)
-            return &candidate;
-    }
-    return nullptr;
+    return Lock(state().mutex);
 }
 
-Attached &require(const std::string &name)
+Attached &latest(const std::string &name)
 {
-    if (Attached *found = find(name))
-        return *found;
-    throw std::invalid_argument("fakeusb: unknown device " + name);
-}
-
-Attached *attached(const std::string &name, uint64_t generation)
-{
-    Attached *found = find(name);
-    return found && found->present && found->generation == generation ? found : nullptr;
+    auto &devices = state().devices;
+    const auto found = std::find_if(devices.rbegin(), devices.rend(),
+                                    [&](const Attached &a) { return a.device.name == name; });
+    if (found == devices.rend())
+        throw std::invalid_argument("fakeusb: unknown device " + name);
+    return *found;
 }
 
 std::string pathOf(const Device &device, int interfaceNumber)
@@ -78,74 +70,44 @@ std::string pathOf(const Device &device, int interfaceNumber)
     return path + ":1." + std::to_string(interfaceNumber);
 }
 
-// The whole string descriptor, as a device with the one language answers it.
-int descriptor(const Device &device, int index, uint16_t language, unsigned char *out,
-               uint16_t length)
-{
-    Bytes payload;
-    if (index == 0 && language == 0) {
-        payload = {kLanguage & 0xFF, kLanguage >> 8};
-    } else if (language != kLanguage) {
-        return -1;
-    } else if (device.rawStrings.count(index)) {
-        payload = device.rawStrings.at(index);
-    } else if (device.strings.count(index)) {
-        for (wchar_t c : device.strings.at(index))
-            payload.insert(payload.end(), {uint8_t(c), uint8_t(uint32_t(c) >> 8)});
-    } else {
-        return -1;
-    }
-    Bytes whole = {uint8_t(payload.size() + 2), 0x03};
-    whole.insert(whole.end(), payload.begin(), payload.end());
-    const size_t count = std::min<size_t>(whole.size(), length);
-    std::copy_n(whole.begin(), count, out);
-    return int(count);
-}
-
 class FakeHid : public HidDevice
 {
 public:
-    FakeHid(const Attached &device, const std::string &path)
-        : HidDevice(path), m_Name(device.device.name), m_Generation(device.generation),
-          m_Resets(state().resets)
+    FakeHid(size_t index, const std::string &path)
+        : HidDevice(path), m_Index(index), m_Resets(state().resets)
     {
     }
     ~FakeHid() override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         state().openHandles -= m_Resets == state().resets;
     }
-
     int write(const unsigned char *data, size_t length) override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
-        if (!attached(m_Name, m_Generation))
+        const Lock lock = locked();
+        if (!alive())
             return -1;
-        state().writes.push_back({m_Name, {path(), Bytes(data, data + length)}});
+        state().writes.push_back({alive()->device.name, {path(), Bytes(data, data + length)}});
         return int(length);
     }
     int readTimeout(unsigned char *data, size_t length, int milliseconds) override
     {
-        const auto deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
-        std::unique_lock<std::mutex> lock(state().mutex);
-        for (;;) {
-            Attached *device = attached(m_Name, m_Generation);
-            if (!device)
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+        Lock lock = locked();
+        for (Attached *device = alive(); device; device = alive()) {
+            if (device->readErrors > 0 && device->readErrors--)
                 return -1;
-            if (device->readErrors > 0) {
-                --device->readErrors;
-                return -1;
-            }
             if (!device->reports.empty()) {
                 const Bytes report = device->reports.front();
                 device->reports.pop_front();
-                const size_t count = std::min(length, report.size());
-                std::copy_n(report.begin(), count, data);
-                return int(count);
+                std::copy_n(report.begin(), std::min(length, report.size()), data);
+                return int(std::min(length, report.size()));
             }
             if (state().changed.wait_until(lock, deadline) == std::cv_status::timeout)
                 return 0;
         }
+        return -1;
     }
     std::wstring error() override { return L"fakeusb: the device failed"; }
     int manufacturer(wchar_t *text, size_t length) override
@@ -155,31 +117,51 @@ public:
     int product(wchar_t *text, size_t length) override { return indexedString(2, text, length); }
     int indexedString(int index, wchar_t *text, size_t length) override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
-        const Attached *device = attached(m_Name, m_Generation);
-        if (!device || !device->device.strings.count(index))
+        const Lock lock = locked();
+        if (!alive() || !alive()->device.strings.count(index))
             return -1;
-        wcsncpy(text, device->device.strings.at(index).c_str(), length);
+        wcsncpy(text, alive()->device.strings.at(index).c_str(), length);
         text[length - 1] = L'\0';
         return 0;
     }
 
 private:
-    std::string m_Name;
-    uint64_t m_Generation;
-    uint64_t m_Resets;
+    Attached *alive()
+    {
+        const bool current = m_Resets == state().resets && state().devices[m_Index].present;
+        return current ? &state().devices[m_Index] : nullptr;
+    }
+
+    size_t m_Index;
+    int m_Resets;
 };
 
+// Answers GET_DESCRIPTOR for strings as a device with the one language does.
 class FakeUsbHandle : public UsbHandle
 {
 public:
     explicit FakeUsbHandle(const Device &device) : m_Device(device) {}
-    int controlTransfer(uint8_t requestType, uint8_t request, uint16_t value, uint16_t index,
+    int controlTransfer(uint8_t requestType, uint8_t request, uint16_t value, uint16_t language,
                         unsigned char *data, uint16_t length, unsigned) override
     {
+        const int index = value & 0xFF;
+        Bytes payload;
         if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03)
             return -1;
-        return descriptor(m_Device, value & 0xFF, index, data, length);
+        if (index == 0 && language == 0)
+            payload = {kLanguage & 0xFF, kLanguage >> 8};
+        else if (language != kLanguage)
+            return -1;
+        else if (m_Device.rawStrings.count(index))
+            payload = m_Device.rawStrings.at(index);
+        else if (m_Device.strings.count(index))
+            for (wchar_t c : m_Device.strings.at(index))
+                payload.insert(payload.end(), {uint8_t(c), uint8_t(uint32_t(c) >> 8)});
+        else
+            return -1;
+        payload.insert(payload.begin(), {uint8_t(payload.size() + 2), 0x03});
+        std::copy_n(payload.begin(), std::min<size_t>(payload.size(), length), data);
+        return int(std::min<size_t>(payload.size(), length));
     }
 
 private:
@@ -191,7 +173,7 @@ class FakeDeviceList : public UsbDeviceList
 public:
     FakeDeviceList()
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         for (const Attached &candidate : state().devices) {
             if (candidate.present)
                 m_Devices.push_back(candidate.device);
@@ -222,7 +204,7 @@ public:
     bool hasHotplug() override { return true; }
     bool registerCallback(unsigned short vendorId, Callback callback) override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         m_Vendor = vendorId;
         m_Callback = std::move(callback);
         state().listeners.insert(this);
@@ -230,12 +212,12 @@ public:
     }
     void deregisterCallback() override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         state().listeners.erase(this);
     }
     void handleEvents(int timeoutUs) override
     {
-        std::unique_lock<std::mutex> lock(state().mutex);
+        Lock lock = locked();
         state().changed.wait_for(lock, std::chrono::microseconds(timeoutUs),
                                  [this] { return m_Interrupted || !m_Pending.empty(); });
         m_Interrupted = false;
@@ -247,7 +229,7 @@ public:
     }
     void interruptEvents() override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         m_Interrupted = true;
         state().changed.notify_all();
     }
@@ -269,7 +251,7 @@ class FakeUsbLink : public UsbLink
 public:
     std::vector<HidInterface> enumerateHid(unsigned short vid, unsigned short pid) override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         std::vector<HidInterface> result;
         for (const Attached &candidate : state().devices) {
             const Device &device = candidate.device;
@@ -282,18 +264,18 @@ public:
     }
     std::unique_ptr<HidDevice> openHid(const std::string &path) override
     {
-        std::lock_guard<std::mutex> lock(state().mutex);
+        const Lock lock = locked();
         ++state().openCalls;
-        for (const Attached &candidate : state().devices) {
-            const Device &device = candidate.device;
-            const auto &numbers = device.interfaces;
+        for (size_t i = 0; i < state().devices.size(); ++i) {
+            const Attached &candidate = state().devices[i];
+            const auto &numbers = candidate.device.interfaces;
             const bool here = std::any_of(numbers.begin(), numbers.end(), [&](int number) {
-                return pathOf(device, number) == path;
+                return pathOf(candidate.device, number) == path;
             });
-            if (!candidate.present || !here || !device.openable)
-                continue;
-            ++state().openHandles;
-            return std::make_unique<FakeHid>(candidate, path);
+            if (candidate.present && here && candidate.device.openable) {
+                ++state().openHandles;
+                return std::make_unique<FakeHid>(i, path);
+            }
         }
         return nullptr;
     }
@@ -307,104 +289,90 @@ public:
     }
 };
 
-void attach(const Device &device, short event)
+void announce(const Device &device, short event)
 {
-    State &s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    Attached *existing = find(device.name);
-    if (existing && existing->present)
-        throw std::logic_error("fakeusb: device already present: " + device.name);
-    if (!existing)
-        existing = &s.devices.emplace_back();
-    *existing = Attached{device, true, ++s.generations, {}, 0};
-    for (FakeHotplug *listener : s.listeners)
+    for (FakeHotplug *listener : state().listeners)
         listener->announce(device, event);
-    s.changed.notify_all();
+    state().changed.notify_all();
 }
 
 } // namespace
 
 void reset()
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
+    const Lock lock = locked();
     state().devices.clear();
     state().writes.clear();
-    state().openHandles = 0;
-    state().openCalls = 0;
+    state().openHandles = state().openCalls = 0;
     ++state().resets;
     state().changed.notify_all();
 }
 
 void addDevice(const Device &device)
 {
-    attach(device, 0);
+    const Lock lock = locked();
+    state().devices.push_back({device, true, {}, 0});
 }
 
 void plug(const Device &device)
 {
-    attach(device, 1);
+    const Lock lock = locked();
+    state().devices.push_back({device, true, {}, 0});
+    announce(device, 1);
 }
 
 void unplug(const std::string &name)
 {
-    State &s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    Attached &device = require(name);
-    device.present = false;
-    for (FakeHotplug *listener : s.listeners)
-        listener->announce(device.device, 2);
-    s.changed.notify_all();
+    const Lock lock = locked();
+    latest(name).present = false;
+    announce(latest(name).device, 2);
 }
 
 std::string hidPath(const std::string &name, int interfaceNumber)
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
-    return pathOf(require(name).device, interfaceNumber);
+    const Lock lock = locked();
+    return pathOf(latest(name).device, interfaceNumber);
 }
 
 void queueReport(const std::string &name, const Bytes &report)
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
-    require(name).reports.push_back(report);
+    const Lock lock = locked();
+    latest(name).reports.push_back(report);
     state().changed.notify_all();
 }
 
 void queueReadErrors(const std::string &name, int count)
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
-    require(name).readErrors += count;
+    const Lock lock = locked();
+    latest(name).readErrors += count;
     state().changed.notify_all();
-}
-
-std::vector<Write> writes()
-{
-    std::lock_guard<std::mutex> lock(state().mutex);
-    std::vector<Write> result;
-    for (const auto &write : state().writes)
-        result.push_back(write.second);
-    return result;
 }
 
 std::vector<Write> writesTo(const std::string &name)
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
+    const Lock lock = locked();
     std::vector<Write> result;
     for (const auto &write : state().writes) {
-        if (write.first == name)
+        if (name.empty() || write.first == name)
             result.push_back(write.second);
     }
     return result;
 }
 
+std::vector<Write> writes()
+{
+    return writesTo("");
+}
+
 int openHidHandles()
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
+    const Lock lock = locked();
     return state().openHandles;
 }
 
 int hidOpenCalls()
 {
-    std::lock_guard<std::mutex> lock(state().mutex);
+    const Lock lock = locked();
     return state().openCalls;
 }
 
@@ -412,6 +380,6 @@ int hidOpenCalls()
 
 UsbLink &usbLink()
 {
-    static fakeusb::FakeUsbLink *link = new fakeusb::FakeUsbLink;
+    static auto *link = new fakeusb::FakeUsbLink;
     return *link;
 }
