@@ -41,6 +41,15 @@ void recordStates(QtMsgType type, const QMessageLogContext &, const QString &tex
         seenStates.push_back(static_cast<short>(text.section(' ', -1).toShort()));
 }
 
+// Slot contents as "a b - - -".
+Names names(const QString &text)
+{
+    Names result;
+    for (const QString &name : text.split(' '))
+        result.push_back(name == "-" ? "" : name.toStdString());
+    return result;
+}
+
 class HotPlug : public DeviceFixture
 {
 protected:
@@ -73,13 +82,13 @@ protected:
     }
     // Device names by slot, "" for an empty one: each named device holds its slot with
     // the one open handle of its vendor interface, and the window shows what is open.
-    void expectSlots(const Names &names)
+    void expectSlots(const Names &wanted)
     {
         Names expected, paths;
         int filled = 0;
-        for (size_t slot = 0; slot < names.size(); ++slot) {
-            expected.push_back(names[slot].empty() ? "" : fakeusb::hidPath(names[slot], 2));
-            filled += !names[slot].empty();
+        for (size_t slot = 0; slot < wanted.size(); ++slot) {
+            expected.push_back(wanted[slot].empty() ? "" : fakeusb::hidPath(wanted[slot], 2));
+            filled += !wanted[slot].empty();
             const CTablet *tablet = CGlobalData::TabletArray[slot];
             paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
         }
@@ -91,6 +100,18 @@ protected:
         EXPECT_EQ(m_Disconnected->isVisible(), filled == 0);
     }
 
+    // "a:0B40:1 b:0B41:2": named tablets of a product on a port each.
+    static Devices devices(const QString &text)
+    {
+        Devices result;
+        for (const QString &item : text.split(' ', Qt::SkipEmptyParts)) {
+            const QStringList f = item.split(':');
+            result.push_back(tablet(f[0].toStdString(), uint16_t(f[1].toUInt(nullptr, 16)),
+                                    uint8_t(f[2].toUInt())));
+        }
+        return result;
+    }
+
     QTemporaryDir m_Uinput;
     std::unique_ptr<MainWindow> m_Window;
     QDeviceItemWidget *m_Strip = nullptr;
@@ -100,32 +121,25 @@ protected:
 
 TEST_F(HotPlug, ArrivalOpensCataloguedDevicesOnly)
 {
-    const struct {
-        const char *name;
-        Devices before;
-        fakeusb::Device plugged;
-        Names bySlot;
-    } cases[] = {
-        {"first tablet", {}, tablet("a", 0x0B40, 1), {"a", "", "", "", ""}},
-        {"like tablet", {tablet("a", 0x0B40, 1)}, tablet("b", 0x0B40, 2), {"a", "b", "", "", ""}},
-        {"not in the catalogue", {}, tablet("odd", 0x0BFF, 2), {"", "", "", "", ""}},
-        {"sixth device",
-         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2), tablet("c", 0x0B41, 3),
-          tablet("d", 0x0B41, 4), tablet("e", 0xA20C, 5)},
-         tablet("f", 0x0B40, 6),
-         {"a", "b", "c", "d", "e"}},
+    const char *cases[][3] = {
+        // present before | plugged | slots after
+        {"", "a:0B40:1", "a - - - -"},
+        {"a:0B40:1", "b:0B40:2", "a b - - -"},
+        {"", "odd:0BFF:2", "- - - - -"},
+        {"a:0B40:1 b:0B40:2 c:0B41:3 d:0B41:4 e:A20C:5", "f:0B40:6", "a b c d e"},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        present(c.before);
+        SCOPED_TRACE(c[1]);
+        present(devices(c[0]));
         const std::vector<CTablet *> earlier(std::begin(CGlobalData::TabletArray),
                                              std::end(CGlobalData::TabletArray));
-        fakeusb::plug(c.plugged);
+        const fakeusb::Device plugged = devices(c[1]).front();
+        fakeusb::plug(plugged);
         QElapsedTimer timer;
         timer.start();
-        m_Window->ReceiveUsbMsg(kVendor, c.plugged.pid, kArrived);
+        m_Window->ReceiveUsbMsg(kVendor, plugged.pid, kArrived);
         EXPECT_GE(timer.elapsed(), 600);
-        expectSlots(c.bySlot);
+        expectSlots(names(c[2]));
         for (size_t slot = 0; slot < earlier.size(); ++slot)
             EXPECT_TRUE(!earlier[slot] || CGlobalData::TabletArray[slot] == earlier[slot]) << slot;
     }
@@ -134,30 +148,16 @@ TEST_F(HotPlug, ArrivalOpensCataloguedDevicesOnly)
 TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
 {
     const struct {
-        const char *name;
-        Devices before;
-        std::string unplugged;
+        const char *before, *unplugged;
         uint16_t pid;
-        Names bySlot;
+        const char *after;
         bool reopened; // the remaining tablet is a new object
-    } cases[] = {
-        {"last device", {tablet("a", 0x0B40, 1)}, "a", 0x0B40, {"", "", "", "", ""}, false},
-        {"one of two like tablets",
-         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2)},
-         "a",
-         0x0B40,
-         {"b", "", "", "", ""},
-         true},
-        {"one of two different tablets",
-         {tablet("a", 0x0B40, 1), tablet("c", 0xA20C, 2)},
-         "c",
-         0xA20C,
-         {"a", "", "", "", ""},
-         false},
-    };
+    } cases[] = {{"a:0B40:1", "a", 0x0B40, "- - - - -", false},
+                 {"a:0B40:1 b:0B40:2", "a", 0x0B40, "b - - - -", true},
+                 {"a:0B40:1 c:A20C:2", "c", 0xA20C, "a - - - -", false}};
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        present(c.before);
+        SCOPED_TRACE(c.before);
+        present(devices(c.before));
         std::vector<CTablet *> closed;
         for (CTablet *tablet : CGlobalData::TabletArray) {
             if (tablet && tablet->m_ProductId == c.pid)
@@ -166,7 +166,7 @@ TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
         CTablet *const first = CGlobalData::TabletArray[0];
         fakeusb::unplug(c.unplugged);
         m_Window->ReceiveUsbMsg(kVendor, c.pid, kLeft);
-        expectSlots(c.bySlot);
+        expectSlots(names(c.after));
         for (const CTablet *tablet : closed)
             EXPECT_FALSE(tablet->m_Active) << "closed devices end their session";
         if (CGlobalData::TabletArray[0]) {
@@ -181,8 +181,7 @@ TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
 TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
 {
     writeNames("[Common]\nPID_0B40=Alpha\nPID_0B41=Beta\nPID_A20C=Gamma\n");
-    for (const fakeusb::Device &device :
-         Devices{tablet("a", 0x0B40, 1), tablet("b", 0x0B41, 2), tablet("c", 0xA20C, 3)})
+    for (const fakeusb::Device &device : devices("a:0B40:1 b:0B41:2 c:A20C:3"))
         fakeusb::addDevice(device);
     m_Window->EnumDeviceLinux(0);
     const QList<QAbstractButton *> entries = m_Strip->findChildren<QAbstractButton *>();
@@ -212,20 +211,20 @@ TEST_F(HotPlug, QuickReplugsAreHandledInOrderAndALateTabletComesAndGoes)
     qInstallMessageHandler(previous);
     ASSERT_TRUE(allTaken);
     EXPECT_EQ(seenStates, (std::vector<short>{kLeft, kArrived, kLeft, kArrived}));
-    expectSlots({"a", "", "", "", ""});
+    expectSlots(names("a - - - -"));
     const size_t written = fakeusb::writesTo("a").size();
     CGlobalData::TabletArray[0]->SentCmd(kCmdReportMode, kReportModeSystem, 0);
     EXPECT_EQ(fakeusb::writesTo("a").size(), written + 1) << "the handle is the new attachment's";
 
     fakeusb::unplug("a");
     ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] == nullptr; }));
-    expectSlots({"", "", "", "", ""});
+    expectSlots(names("- - - - -"));
     fakeusb::plug(tablet("b", 0x0B40, 2));
     ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] != nullptr; }));
     EXPECT_TRUE(CGlobalData::TabletArray[0]->m_Active);
     EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
     EXPECT_EQ(m_Strip->currentText(), "Scribora Sketch S");
-    expectSlots({"b", "", "", "", ""});
+    expectSlots(names("b - - - -"));
 }
 
 } // namespace
