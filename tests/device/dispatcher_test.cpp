@@ -162,43 +162,20 @@ TEST(Dispatcher, RepliesWakeTheWaiterOfTheirCondition)
     }
 }
 
-Bytes header(uint32_t size, uint8_t mark)
-{
-    return {0x02,
-            0xB6,
-            0x00,
-            0x01,
-            uint8_t(size),
-            uint8_t(size >> 8),
-            uint8_t(size >> 16),
-            uint8_t(size >> 24),
-            mark};
-}
-
-Bytes dataFrame(const Bytes &payload)
-{
-    Bytes frame = {0x02, 0xB6, 0x00};
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    return frame;
-}
-
-Bytes ending(uint8_t code)
-{
-    return {0x02, 0xB6, 0x02, code};
-}
-
 // A whole file as a device sends it: a header, then 64-byte frames padded with zeros.
 std::vector<Op> readFromDevice(CTablet &tablet, const QByteArray &file)
 {
     QSignalSpy spy(&tablet, &CTablet::PostDeviceOperatorMsg);
-    feed(tablet, header(static_cast<uint32_t>(file.size()), 0));
+    const auto size = static_cast<uint32_t>(file.size());
+    feed(tablet, {0x02, 0xB6, 0x00, 0x01, uint8_t(size), uint8_t(size >> 8), uint8_t(size >> 16),
+                  uint8_t(size >> 24), 0});
     for (int at = 0; at < file.size(); at += 61) {
-        Bytes frame =
-            dataFrame(Bytes(file.begin() + at, file.begin() + qMin(at + 61, file.size())));
+        Bytes frame = bytes("02 b6 00");
+        frame.insert(frame.end(), file.begin() + at, file.begin() + qMin(at + 61, file.size()));
         frame.resize(64, 0);
         feed(tablet, frame);
     }
-    feed(tablet, ending(0));
+    feed(tablet, bytes("02 b6 02 00"));
     return ops(spy);
 }
 
