@@ -49,7 +49,7 @@ TEST_F(Session, RangesFromDescriptor100)
     uint8_t port = 1;
     for (const QStringList &c : table("ranges.txt")) {
         fakeusb::Device device = tablet("tab" + std::to_string(port), 0x0B40, port);
-        ++port;
+        device.ports.push_back(port++); // a hub's port: the path reads "1-p.p"
         device.rawStrings[100] = bytes(c[0]);
         const _DEVICE_ATTRIBUTES &a = open(device).m_DeviceAttributes;
         ASSERT_TRUE(m_Opened) << c[0].toStdString();
