@@ -2,8 +2,8 @@
 
 #include "devicecommands.h"
 #include "reportprotocol.h"
-
 #include "usblink.h"
+
 #include <QDebug>
 #include <QMutexLocker>
 #include <cstring>
