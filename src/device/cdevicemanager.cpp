@@ -3,19 +3,20 @@
 #include "cglobaldata.h"
 #include "cusbtablet.h"
 #include "tabletslots.h"
+#include "usblink.h"
 #include "usblistenthread.h"
 #include "zelkdevice.h"
 
 #include <QDebug>
 #include <QThread>
-#include <hidapi.h>
-#include <libusb.h>
 
 namespace
 {
 // The system needs this long before a new device can be opened.
 constexpr unsigned long kArrivalSettleUs = 600000;
 constexpr unsigned long kListenerStopWaitMs = 1000;
+constexpr short kDeviceArrived = 1;
+constexpr short kDeviceLeft = 2;
 } // namespace
 
 CDeviceManager::CDeviceManager(QObject *parent) : QObject(parent) {}
@@ -27,24 +28,21 @@ CDeviceManager::~CDeviceManager()
 
 bool CDeviceManager::EnumDeviceLinux(int pid)
 {
-    hid_device_info *devices = hid_enumerate(kVendorId, static_cast<unsigned short>(pid & 0xFFFF));
-    if (!devices)
-        return false;
     bool opened = false;
-    for (const hid_device_info *entry = devices; entry; entry = entry->next) {
+    for (const HidInterface &entry :
+         usbLink().enumerateHid(kVendorId, static_cast<unsigned short>(pid & 0xFFFF))) {
         // A like device arriving must not open the one already running again.
-        if (!TabletSlots::isPathOpen(entry->path) && openEntry(*entry))
+        if (!TabletSlots::isPathOpen(entry.path.c_str()) && openEntry(entry))
             opened = true;
     }
-    hid_free_enumeration(devices);
     return opened;
 }
 
-bool CDeviceManager::openEntry(const hid_device_info &entry)
+bool CDeviceManager::openEntry(const HidInterface &entry)
 {
     for (const ZelkDevice &row : zelkDevList) {
-        if (entry.vendor_id != row.vid || entry.product_id != row.pid ||
-            entry.interface_number != static_cast<int>(row.interfaceNumber))
+        if (entry.vendorId != row.vid || entry.productId != row.pid ||
+            entry.interfaceNumber != static_cast<int>(row.interfaceNumber))
             continue;
         // A sixth device is left alone, without a word.
         if (TabletSlots::GetEmptyTabletArray() < 0)
@@ -53,7 +51,7 @@ bool CDeviceManager::openEntry(const hid_device_info &entry)
         connect(tablet, &CUSBTablet::OpenFailed, this, &CDeviceManager::openFailed);
         tablet->m_DeviceAttributes.DeviceType = row.deviceType;
         qDebug() << "-------type:" << row.deviceType;
-        if (!tablet->InitTablet(entry.path, row)) {
+        if (!tablet->InitTablet(entry.path.c_str(), row)) {
             delete tablet;
             continue;
         }
@@ -92,9 +90,9 @@ void CDeviceManager::ReceiveUsbMsg(unsigned short vid, unsigned short pid, short
 {
     qDebug() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
     qInfo() << "ReceiveUsbMsg Vid:" << vid << "Pid:" << pid << "state" << state;
-    if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_ARRIVED)
+    if (state == kDeviceArrived)
         onDeviceArrived(pid);
-    else if (state == LIBUSB_HOTPLUG_EVENT_DEVICE_LEFT)
+    else if (state == kDeviceLeft)
         onDeviceLeft(pid);
 }
 

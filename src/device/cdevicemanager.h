@@ -6,7 +6,7 @@
 
 class CTablet;
 class UsbListenThread;
-struct hid_device_info;
+struct HidInterface;
 
 // Opens the catalogued devices, follows hot-plug events and closes the devices at the end.
 // It keeps the tablet slots; the window follows through the signals.
@@ -41,7 +41,7 @@ signals:
     void openFailed();
 
 private:
-    bool openEntry(const hid_device_info &entry);
+    bool openEntry(const HidInterface &entry);
     void onDeviceArrived(int pid);
     void onDeviceLeft(int pid);
     void removeTablet(int slot);

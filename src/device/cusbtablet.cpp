@@ -8,6 +8,7 @@
 #include "reportprotocol.h"
 #include "tabletslots.h"
 #include "textfield.h"
+#include "usblink.h"
 #include "xmlhelp.h"
 
 #include <QDebug>
@@ -15,7 +16,6 @@
 #include <QSettings>
 #include <algorithm>
 #include <cstring>
-#include <hidapi.h>
 #include <initializer_list>
 
 namespace
@@ -29,20 +29,19 @@ constexpr uint8_t kDongleMarker = 0x40;
 constexpr uint8_t kLightCapability = 0x18;
 constexpr int kFirstDisplayProduct = 0x0A5A;
 
-template <size_t N>
-void copyWideString(char (&field)[N], int (*getter)(hid_device *, wchar_t *, size_t),
-                    hid_device *device)
+// `read` fills a wide text of at most kStringLimit characters, 0 on success.
+template <size_t N, typename Read> void copyWideString(char (&field)[N], Read read)
 {
     wchar_t text[kStringLimit + 1] = {};
-    if (getter(device, text, kStringLimit) == 0)
+    if (read(text, kStringLimit) == 0)
         copyTextField(field, QString::fromWCharArray(text).toUtf8().constData());
 }
 
-template <size_t N> void copyIndexedString(char (&field)[N], hid_device *device, int index)
+template <size_t N> void copyIndexedString(char (&field)[N], HidDevice &device, int index)
 {
-    wchar_t text[kStringLimit + 1] = {};
-    if (hid_get_indexed_string(device, index, text, kStringLimit) == 0)
-        copyTextField(field, QString::fromWCharArray(text).toUtf8().constData());
+    copyWideString(field, [&](wchar_t *text, size_t length) {
+        return device.indexedString(index, text, length);
+    });
 }
 
 } // namespace
@@ -61,8 +60,8 @@ bool CUSBTablet::InitTablet(const char *path, const ZelkDevice &row)
         return false;
     readIdentity(row);
     readCapabilities();
-    copyIndexedString(m_DeviceAttributes.ICVersion, m_HidDevice, 4);
-    copyIndexedString(m_DeviceAttributes.ICData, m_HidDevice, 5);
+    copyIndexedString(m_DeviceAttributes.ICVersion, *m_HidDevice, 4);
+    copyIndexedString(m_DeviceAttributes.ICData, *m_HidDevice, 5);
     chooseShowName();
     if (!takeSettings())
         return false;
@@ -74,13 +73,12 @@ bool CUSBTablet::InitTablet(const char *path, const ZelkDevice &row)
 
 bool CUSBTablet::openDevice(const char *path)
 {
-    m_HidDevice = hid_open_path(path);
+    m_HidDevice = usbLink().openHid(path);
     if (!m_HidDevice) {
         qDebug() << "hid_open_path Failed!";
         emit OpenFailed();
         return false;
     }
-    hid_remember_path(m_HidDevice, path);
     copyTextField(m_DeviceAttributes.DevicePath, path);
     return true;
 }
@@ -90,16 +88,19 @@ void CUSBTablet::readIdentity(const ZelkDevice &row)
     m_ProductId = static_cast<int>(row.pid);
     copyTextField(m_DeviceAttributes.PidString, TabletSlots::pidString(static_cast<int>(row.pid)));
     copyTextField(m_DeviceAttributes.ModelName, row.name);
-    copyWideString(m_DeviceAttributes.Manufacturer, hid_get_manufacturer_string, m_HidDevice);
-    copyWideString(m_DeviceAttributes.ProductName, hid_get_product_string, m_HidDevice);
-    copyIndexedString(m_DeviceAttributes.SerialNumber, m_HidDevice, 3);
+    HidDevice &device = *m_HidDevice;
+    copyWideString(m_DeviceAttributes.Manufacturer,
+                   [&](wchar_t *text, size_t length) { return device.manufacturer(text, length); });
+    copyWideString(m_DeviceAttributes.ProductName,
+                   [&](wchar_t *text, size_t length) { return device.product(text, length); });
+    copyIndexedString(m_DeviceAttributes.SerialNumber, device, 3);
 }
 
 // Descriptor 100 carries the ranges as little-endian numbers.
 void CUSBTablet::readCapabilities()
 {
     unsigned char raw[64] = {};
-    if (hid_get_indexed_string2(m_HidDevice, kCapabilityDescriptor, raw, sizeof raw) < 0)
+    if (hid_get_indexed_string2(m_HidDevice.get(), kCapabilityDescriptor, raw, sizeof raw) < 0)
         qDebug("Unable to read indexed string 100\n");
     _DEVICE_ATTRIBUTES &attributes = m_DeviceAttributes;
     attributes.MaxX = raw[0] | raw[1] << 8 | raw[10] << 16;
@@ -158,7 +159,7 @@ void CUSBTablet::sendStartPacket(const ZelkDevice &row)
 void CUSBTablet::startReader()
 {
     if (!m_DeviceThread) {
-        m_DeviceThread = new DeviceThread(m_HidDevice, &m_WriteMutex);
+        m_DeviceThread = new DeviceThread(m_HidDevice.get(), &m_WriteMutex);
         connect(m_DeviceThread, &DeviceThread::MySentTabletPackets, this,
                 &CTablet::ReceiveTabletPackets, Qt::DirectConnection);
         m_Active = true;
@@ -185,7 +186,7 @@ void CUSBTablet::askLights()
 int CUSBTablet::writeReport(const unsigned char *data, int length)
 {
     QMutexLocker lock(&m_WriteMutex);
-    return hid_write(m_HidDevice, data, static_cast<size_t>(length));
+    return m_HidDevice->write(data, static_cast<size_t>(length));
 }
 
 bool CUSBTablet::displayCommandsAllowed() const
@@ -312,11 +313,7 @@ void CUSBTablet::DelTablet()
     }
     if (m_Action)
         m_Action->LeaveProximity();
-    if (m_HidDevice) {
-        hid_forget_path(m_HidDevice);
-        hid_close(m_HidDevice);
-        m_HidDevice = nullptr;
-    }
+    m_HidDevice.reset();
     delete m_XMLHelp;
     m_XMLHelp = nullptr;
     m_Active = false;

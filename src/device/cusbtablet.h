@@ -4,9 +4,10 @@
 
 #include <QMutex>
 
-struct hid_device_;
-typedef struct hid_device_ hid_device;
+#include <memory>
+
 class DeviceThread;
+class HidDevice;
 
 // A tablet reached through hidapi, with its own reader thread.
 class CUSBTablet : public CTablet
@@ -23,7 +24,7 @@ public:
     void SaveConfigToDevice(QString name, _stAppConfigNode *node) override;
     void DelTablet() override;
 
-    hid_device *m_HidDevice = nullptr;
+    std::unique_ptr<HidDevice> m_HidDevice;
     DeviceThread *m_DeviceThread = nullptr;
 
 signals:

@@ -2,13 +2,13 @@
 
 #include "devicecommands.h"
 #include "reportprotocol.h"
+#include "usblink.h"
 
 #include <QDebug>
 #include <QMutexLocker>
 #include <cstring>
-#include <hidapi.h>
 
-DeviceThread::DeviceThread(hid_device *device, QMutex *writeLock, QObject *parent)
+DeviceThread::DeviceThread(HidDevice *device, QMutex *writeLock, QObject *parent)
     : QThread(parent), m_Device(device), m_WriteLock(writeLock)
 {
 }
@@ -19,7 +19,7 @@ void DeviceThread::run()
     int result = 0;
     while (!isInterruptionRequested()) {
         memset(report, 0, sizeof report);
-        result = hid_read_timeout(m_Device, report, sizeof report, kReadTimeoutMs);
+        result = m_Device->readTimeout(report, sizeof report, kReadTimeoutMs);
         if (result == 0)
             continue;
         if (result > 0) {
@@ -49,8 +49,7 @@ void DeviceThread::logDroppedReport(const quint8 *report)
 
 void DeviceThread::reportFatalError(int result)
 {
-    const wchar_t *error = hid_error(m_Device);
-    qDebug() << "I AM WRONG:" << (error ? QString::fromWCharArray(error) : QString());
+    qDebug() << "I AM WRONG:" << QString::fromStdWString(m_Device->error());
     emit HidOperatorError(result);
 }
 
@@ -59,7 +58,7 @@ void DeviceThread::LinuxRelease()
     unsigned char release[kStartFrameLength] = {kReportIdTablet, kKindStart, kReportModeSystem};
     if (m_Device) {
         QMutexLocker lock(m_WriteLock);
-        hid_write(m_Device, release, sizeof release);
+        m_Device->write(release, sizeof release);
     }
     m_ErrorCount = 0;
 }

@@ -6,8 +6,7 @@
 #include <QThread>
 #include <atomic>
 
-struct hid_device_;
-typedef struct hid_device_ hid_device;
+class HidDevice;
 
 // Reads one device's reports and hands ids 2 and 3 on, on this thread.
 class DeviceThread : public QThread
@@ -15,7 +14,7 @@ class DeviceThread : public QThread
     Q_OBJECT
 public:
     // `writeLock` serialises this thread's one write with the tablet's others.
-    DeviceThread(hid_device *device, QMutex *writeLock, QObject *parent = nullptr);
+    DeviceThread(HidDevice *device, QMutex *writeLock, QObject *parent = nullptr);
 
     void LinuxRelease();
     // Input reports go on; any other report id is logged and dropped.
@@ -40,7 +39,7 @@ private:
     void logDroppedReport(const quint8 *report);
     void reportFatalError(int result);
 
-    hid_device *m_Device;
+    HidDevice *m_Device;
     QMutex *m_WriteLock;
     std::atomic<int> m_ErrorCount{0};
 };

@@ -1,11 +1,9 @@
 #include "hidrawstring.h"
 
-#include <QHash>
-#include <QMutex>
-#include <QMutexLocker>
+#include "usblink.h"
+
 #include <clocale>
 #include <cstring>
-#include <libusb.h>
 
 namespace
 {
@@ -13,11 +11,16 @@ namespace
 constexpr int kDescriptorBufferSize = 512;
 constexpr unsigned kTransferTimeoutMs = 1000;
 
-QMutex pathsMutex;
-QHash<hid_device *, QByteArray> &openPaths()
+constexpr uint8_t kRequestTypeIn = 0x80;
+constexpr uint8_t kGetDescriptor = 0x06;
+constexpr uint16_t kStringDescriptor = 0x0300;
+
+int readDescriptor(UsbHandle &handle, int index, uint16_t language, unsigned char *buffer,
+                   uint16_t length)
 {
-    static QHash<hid_device *, QByteArray> paths;
-    return paths;
+    return handle.controlTransfer(kRequestTypeIn, kGetDescriptor,
+                                  static_cast<uint16_t>(kStringDescriptor | (index & 0xFF)),
+                                  language, buffer, length, kTransferTimeoutMs);
 }
 
 struct LocaleLanguage {
@@ -55,10 +58,10 @@ uint16_t currentLocaleLanguage()
 }
 
 // As hidapi does: the locale's language if the device has it, else its first.
-uint16_t chooseLanguage(libusb_device_handle *handle)
+uint16_t chooseLanguage(UsbHandle &handle)
 {
     unsigned char buffer[256] = {};
-    const int length = libusb_get_string_descriptor(handle, 0, 0, buffer, sizeof buffer);
+    const int length = readDescriptor(handle, 0, 0, buffer, sizeof buffer);
     if (length < 4)
         return 0;
     const uint16_t wanted = currentLocaleLanguage();
@@ -70,50 +73,37 @@ uint16_t chooseLanguage(libusb_device_handle *handle)
 }
 
 // "bus-port.port" as in hidapi's libusb paths ("1-1.4:1.2").
-QByteArray usbLocation(libusb_device *device)
+QByteArray usbLocation(const UsbAddress &address)
 {
-    uint8_t ports[8];
-    const int count = libusb_get_port_numbers(device, ports, sizeof ports);
-    QByteArray location = QByteArray::number(libusb_get_bus_number(device)) + '-';
-    for (int i = 0; i < count; ++i)
-        location += (i ? "." : "") + QByteArray::number(ports[i]);
+    QByteArray location = QByteArray::number(address.bus) + '-';
+    for (size_t i = 0; i < address.ports.size(); ++i)
+        location += (i ? "." : "") + QByteArray::number(address.ports[i]);
     return location;
 }
 
 QByteArray readRawString(const QByteArray &hidPath, int index)
 {
     const QByteArray location = hidPath.left(hidPath.indexOf(':'));
-    libusb_context *context = nullptr;
-    if (libusb_init(&context) < 0)
+    const std::unique_ptr<UsbDeviceList> devices = usbLink().usbDevices();
+    if (!devices)
         return {};
-    QByteArray payload;
-    libusb_device **devices = nullptr;
-    const ssize_t count = libusb_get_device_list(context, &devices);
-    for (ssize_t i = 0; i < count && payload.isNull(); ++i) {
-        if (usbLocation(devices[i]) != location)
+    const std::vector<UsbAddress> addresses = devices->addresses();
+    for (size_t i = 0; i < addresses.size(); ++i) {
+        if (usbLocation(addresses[i]) != location)
             continue;
-        libusb_device_handle *handle = nullptr;
-        if (libusb_open(devices[i], &handle) != 0)
-            break;
-        payload = get_usb_string2(handle, index);
-        libusb_close(handle);
+        const std::unique_ptr<UsbHandle> handle = devices->open(i);
+        return handle ? get_usb_string2(*handle, index) : QByteArray();
     }
-    if (devices)
-        libusb_free_device_list(devices, 1);
-    libusb_exit(context);
-    return payload;
+    return {};
 }
 
 } // namespace
 
-QByteArray get_usb_string2(libusb_device_handle *handle, int index)
+QByteArray get_usb_string2(UsbHandle &handle, int index)
 {
     const uint16_t language = chooseLanguage(handle);
     unsigned char buffer[kDescriptorBufferSize] = {};
-    const int length =
-        libusb_control_transfer(handle, LIBUSB_ENDPOINT_IN, LIBUSB_REQUEST_GET_DESCRIPTOR,
-                                static_cast<uint16_t>((LIBUSB_DT_STRING << 8) | (index & 0xFF)),
-                                language, buffer, sizeof buffer, kTransferTimeoutMs);
+    const int length = readDescriptor(handle, index, language, buffer, sizeof buffer);
     if (length < 0)
         return {};
     if (length <= 2)
@@ -121,32 +111,15 @@ QByteArray get_usb_string2(libusb_device_handle *handle, int index)
     return QByteArray(reinterpret_cast<const char *>(buffer) + 2, length - 2);
 }
 
-int hid_get_indexed_string2(hid_device *dev, int index, void *out, size_t length)
+int hid_get_indexed_string2(HidDevice *dev, int index, void *out, size_t length)
 {
-    QByteArray path;
-    {
-        QMutexLocker lock(&pathsMutex);
-        path = openPaths().value(dev);
-    }
-    if (path.isEmpty())
+    if (!dev)
         return -1;
-    const QByteArray payload = readRawString(path, index);
+    const QByteArray payload = readRawString(QByteArray::fromStdString(dev->path()), index);
     if (payload.isNull())
         return -1;
     unsigned char copy[kRawStringCopySize] = {};
     memcpy(copy, payload.constData(), qMin<size_t>(payload.size(), sizeof copy));
     memcpy(out, copy, qMin(length, sizeof copy));
     return 0;
-}
-
-void hid_remember_path(hid_device *dev, const char *path)
-{
-    QMutexLocker lock(&pathsMutex);
-    openPaths().insert(dev, QByteArray(path));
-}
-
-void hid_forget_path(hid_device *dev)
-{
-    QMutexLocker lock(&pathsMutex);
-    openPaths().remove(dev);
 }

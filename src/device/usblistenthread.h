@@ -3,7 +3,10 @@
 #include <QMutex>
 #include <QThread>
 #include <atomic>
-#include <libusb.h>
+#include <memory>
+
+class HotplugContext;
+struct HotplugEvent;
 
 // Turns libusb's hot-plug events for the vendor into a queued Qt signal.
 class UsbListenThread : public QThread
@@ -17,10 +20,7 @@ public:
     void Exit();
     void delete_listener();
 
-    static int LIBUSB_CALL libusb_callback(libusb_context *context, libusb_device *device,
-                                           libusb_hotplug_event event, void *user);
-    void tablet_callback(libusb_context *context, libusb_device *device,
-                         libusb_hotplug_event event);
+    void tablet_callback(const HotplugEvent &event);
 
     static constexpr int kEventTimeoutUs = 500000;
 
@@ -35,6 +35,6 @@ private:
     std::atomic<bool> m_Stop{false};
     // Between Exit() on the GUI thread and the end of run().
     QMutex m_ContextMutex;
-    libusb_context *m_Context = nullptr;
-    libusb_hotplug_callback_handle m_CallbackHandle = 0;
+    std::unique_ptr<HotplugContext> m_Context;
+    bool m_CallbackRegistered = false;
 };

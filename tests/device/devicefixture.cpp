@@ -46,29 +46,11 @@ void DeviceFixture::writeNames(const QString &ini)
 
 const ZelkDevice &DeviceFixture::row(uint32_t pid)
 {
-    for (const ZelkDevice &candidate : zelkDevList) {
-        if (candidate.pid == pid)
-            return candidate;
-    }
-    ADD_FAILURE() << "no catalogue row for " << pid;
-    return zelkDevList[0];
-}
-
-fakeusb::Bytes DeviceFixture::capabilities(uint32_t maxX, uint32_t maxY, uint16_t pressure,
-                                           uint16_t lpi)
-{
-    return {uint8_t(maxX),
-            uint8_t(maxX >> 8),
-            uint8_t(maxY),
-            uint8_t(maxY >> 8),
-            0,
-            0,
-            uint8_t(pressure),
-            uint8_t(pressure >> 8),
-            uint8_t(lpi),
-            uint8_t(lpi >> 8),
-            uint8_t(maxX >> 16),
-            uint8_t(maxY >> 16)};
+    const ZelkDevice *end = zelkDevList + kCatalogueSize;
+    const ZelkDevice *found =
+        std::find_if(zelkDevList, end, [&](const ZelkDevice &r) { return r.pid == pid; });
+    EXPECT_NE(found, end) << "no catalogue row for " << pid;
+    return found == end ? zelkDevList[0] : *found;
 }
 
 fakeusb::Device DeviceFixture::tablet(const std::string &name, uint16_t pid, uint8_t port)
@@ -77,24 +59,34 @@ fakeusb::Device DeviceFixture::tablet(const std::string &name, uint16_t pid, uin
     device.name = name;
     device.pid = pid;
     device.ports = {port};
-    device.address = port;
     device.strings = {
         {1, L"Maker"}, {2, L"Sketch Tablet"}, {3, L"SN001"}, {4, L"FW_1.0"}, {5, L"2024-05-06"}};
-    device.rawStrings[100] = capabilities(52324, 29600, 8191, 5080);
+    device.rawStrings[100] = {0x64, 0xCC, 0xA0, 0x73, 0, 0, 0xFF, 0x1F, 0xD8, 0x13, 0, 0};
     return device;
 }
 
-QString DeviceFixture::section(const QString &model, int keys)
+QString DeviceFixture::section(const QString &model)
 {
-    QString keyList;
-    for (int i = 1; i <= keys; ++i)
-        keyList += QString("<K%1 id=\"0\" Motid=\"%1\" Actid=\"%1\" Show=\"1\"/>").arg(i);
-    return QString("<%1><DeviceInfo><DeviceKeyNum>%2</DeviceKeyNum></DeviceInfo>"
-                   "<Common><ScreenMapping id=\"0\"><SX>0</SX><SY>0</SY><SW>0</SW><SH>0</SH>"
+    QString keys;
+    for (int i = 1; i <= 4; ++i)
+        keys += QString("<K%1 id=\"0\" Motid=\"%1\" Actid=\"%1\" Show=\"1\"/>").arg(i);
+    return QString("<%1><DeviceInfo><DeviceKeyNum>4</DeviceKeyNum></DeviceInfo><Common>"
+                   "<ScreenMapping id=\"0\"><SX>0</SX><SY>0</SY><SW>0</SW><SH>0</SH>"
                    "</ScreenMapping><TabletPannel Orientation=\"0\"><TX>0</TX><TY>0</TY>"
-                   "<TW>0</TW><TH>0</TH></TabletPannel></Common>"
-                   "<CommonAPP><K>%3</K></CommonAPP><Apps/></%1>")
-        .arg(model)
-        .arg(keys)
-        .arg(keyList);
+                   "<TW>0</TW><TH>0</TH></TabletPannel></Common><CommonAPP><K>%2</K></CommonAPP>"
+                   "<Apps/></%1>")
+        .arg(model, keys);
+}
+
+Bytes frame(size_t length, std::initializer_list<uint8_t> head)
+{
+    Bytes bytes(head);
+    bytes.resize(length, 0);
+    return bytes;
+}
+
+void feed(CTablet &tablet, const Bytes &report)
+{
+    std::vector<quint8> buffer(report.begin(), report.end());
+    tablet.ReceiveTabletPackets(buffer.data(), static_cast<int>(buffer.size()));
 }

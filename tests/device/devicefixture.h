@@ -11,6 +11,8 @@
 
 #include <memory>
 
+using fakeusb::Bytes;
+
 // A configuration folder of the test's own, scripted USB devices, and the
 // shared state reset around each test.
 class DeviceFixture : public ::testing::Test
@@ -23,11 +25,19 @@ protected:
     void writeNames(const QString &ini);
 
     static const ZelkDevice &row(uint32_t pid);
-    // The descriptor-100 payload of a tablet with these ranges.
-    static fakeusb::Bytes capabilities(uint32_t maxX, uint32_t maxY, uint16_t pressure,
-                                       uint16_t lpi);
+    // 52324 by 29600 at 5080 lpi, pressure 8191, in descriptor 100.
     static fakeusb::Device tablet(const std::string &name, uint16_t pid, uint8_t port);
-    static QString section(const QString &model, int keys = 4);
+    static QString section(const QString &model);
 
     QTemporaryDir m_Folder;
 };
+
+// `length` bytes starting with `head`, zero-padded.
+Bytes frame(size_t length, std::initializer_list<uint8_t> head);
+// Of the device tests' own data folder.
+// "02 b4 01": hex bytes; "*60@41" 60 bytes counting up from 0x41; "..10" zeros up to 10 bytes.
+Bytes bytes(const QString &text);
+// The rows of data/<name>, "#" lines left out, as their "|"-separated columns.
+std::vector<QStringList> table(const QString &name);
+// Hands a report over as the reader would, in a buffer of exactly its length.
+void feed(CTablet &tablet, const Bytes &report);

@@ -1,16 +1,23 @@
 #include "devicefixture.h"
 #include "devicethread.h"
+#include "usblink.h"
+#include "usblistenthread.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
 #include <QMutexLocker>
 #include <QSignalSpy>
-#include <hidapi.h>
 
 namespace
 {
 
-using fakeusb::Bytes;
+bool waitFor(const std::function<bool()> &done)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < 5000)
+        QThread::msleep(2);
+    return done();
+}
 
 // A reader on one scripted device, collecting what it hands on.
 class Reader : public DeviceFixture
@@ -20,9 +27,8 @@ protected:
     {
         DeviceFixture::SetUp();
         fakeusb::addDevice(tablet("tab", 0x0B40, 1));
-        m_Handle = hid_open_path(fakeusb::hidPath("tab", 2).c_str());
-        ASSERT_NE(m_Handle, nullptr);
-        m_Thread = std::make_unique<DeviceThread>(m_Handle, &m_WriteLock);
+        m_Handle = usbLink().openHid(fakeusb::hidPath("tab", 2));
+        m_Thread = std::make_unique<DeviceThread>(m_Handle.get(), &m_WriteLock);
         QObject::connect(
             m_Thread.get(), &DeviceThread::MySentTabletPackets, m_Thread.get(),
             [this](quint8 *packet, int length) {
@@ -31,36 +37,19 @@ protected:
             },
             Qt::DirectConnection);
     }
-
     void TearDown() override
-    {
-        stop();
-        hid_close(m_Handle);
-        DeviceFixture::TearDown();
-    }
-
-    void stop()
     {
         m_Thread->requestInterruption();
         m_Thread->wait();
+        DeviceFixture::TearDown();
     }
-
-    std::vector<Bytes> received()
+    size_t received()
     {
         QMutexLocker lock(&m_Mutex);
-        return m_Received;
+        return m_Received.size();
     }
 
-    bool waitForReports(size_t count)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (received().size() < count && timer.elapsed() < 5000)
-            QThread::msleep(2);
-        return received().size() >= count;
-    }
-
-    hid_device *m_Handle = nullptr;
+    std::unique_ptr<HidDevice> m_Handle;
     QMutex m_WriteLock;
     std::unique_ptr<DeviceThread> m_Thread;
     QMutex m_Mutex;
@@ -70,17 +59,14 @@ protected:
 TEST_F(Reader, HandsOnInputAndReplyReportsOnly)
 {
     m_Thread->start();
-    fakeusb::queueReport("tab", {0x01, 0xAA});
-    fakeusb::queueReport("tab", {0x02, 0xA0, 0x01, 0x02});
-    fakeusb::queueReport("tab", {0x06, 0x01});
-    fakeusb::queueReport("tab", {0x04});
-    fakeusb::queueReport("tab", {0x03, 0x6E, 0x40});
-    ASSERT_TRUE(waitForReports(2));
-    stop();
-    const auto reports = received();
-    ASSERT_EQ(reports.size(), 2u);
-    EXPECT_EQ(reports[0], (Bytes{0x02, 0xA0, 0x01, 0x02})) << "the read's length is kept";
-    EXPECT_EQ(reports[1], (Bytes{0x03, 0x6E, 0x40}));
+    for (const Bytes &report : {Bytes{0x01, 0xAA}, Bytes{0x02, 0xA0, 0x01, 0x02}, Bytes{0x06, 0x01},
+                                Bytes{0x04}, Bytes{0x03, 0x6E, 0x40}})
+        fakeusb::queueReport("tab", report);
+    ASSERT_TRUE(waitFor([this] { return received() >= 2; }));
+    m_Thread->requestInterruption();
+    m_Thread->wait();
+    EXPECT_EQ(m_Received, (std::vector<Bytes>{{0x02, 0xA0, 0x01, 0x02}, {0x03, 0x6E, 0x40}}))
+        << "each with the read's length";
 }
 
 TEST_F(Reader, TheTwoThousandFiveHundredthFailureEndsIt)
@@ -89,11 +75,10 @@ TEST_F(Reader, TheTwoThousandFiveHundredthFailureEndsIt)
     fakeusb::queueReadErrors("tab", DeviceThread::kErrorLimit - 1);
     fakeusb::queueReport("tab", {0x02, 0x01});
     m_Thread->start();
-    ASSERT_TRUE(waitForReports(1)) << "2499 failures are survived";
+    ASSERT_TRUE(waitFor([this] { return received() == 1; })) << "2499 failures are survived";
     EXPECT_TRUE(m_Thread->isRunning());
     EXPECT_EQ(m_Thread->errorCount(), DeviceThread::kErrorLimit - 1)
         << "a good read does not reset the count";
-
     fakeusb::queueReadErrors("tab", 1);
     ASSERT_TRUE(m_Thread->wait(5000));
     ASSERT_EQ(errors.count(), 1);
@@ -104,20 +89,18 @@ TEST_F(Reader, ReleaseZeroesTheCountAndSendsTheModeBack)
 {
     fakeusb::queueReadErrors("tab", 10);
     m_Thread->start();
-    QElapsedTimer timer;
-    timer.start();
-    while (m_Thread->errorCount() < 10 && timer.elapsed() < 5000)
-        QThread::msleep(2);
+    ASSERT_TRUE(waitFor([this] { return m_Thread->errorCount() >= 10; }));
     m_Thread->requestInterruption();
     m_Thread->LinuxRelease();
     EXPECT_EQ(m_Thread->errorCount(), 0);
     const auto writes = fakeusb::writesTo("tab");
     ASSERT_EQ(writes.size(), 1u);
-    EXPECT_EQ(writes[0].data, (Bytes{0x02, 0xB0, 0x02, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(writes[0].data, frame(10, {0x02, 0xB0, 0x02}));
 }
 
-TEST_F(Reader, AnInterruptionEndsItWithinTheReadTimeOut)
+TEST_F(Reader, AnInterruptionEndsItWithinTheReadTimeOutAndAnUnplugByErrors)
 {
+    QSignalSpy errors(m_Thread.get(), &DeviceThread::HidOperatorError);
     m_Thread->start();
     QThread::msleep(30);
     QElapsedTimer timer;
@@ -125,15 +108,27 @@ TEST_F(Reader, AnInterruptionEndsItWithinTheReadTimeOut)
     m_Thread->requestInterruption();
     ASSERT_TRUE(m_Thread->wait(2000));
     EXPECT_LT(timer.elapsed(), 1000) << "bounded by the 100 ms read time-out";
-}
 
-TEST_F(Reader, AnUnpluggedDeviceEndsItByErrors)
-{
-    QSignalSpy errors(m_Thread.get(), &DeviceThread::HidOperatorError);
+    m_Thread = std::make_unique<DeviceThread>(m_Handle.get(), &m_WriteLock);
+    QSignalSpy unplugged(m_Thread.get(), &DeviceThread::HidOperatorError);
     m_Thread->start();
     fakeusb::unplug("tab");
     ASSERT_TRUE(m_Thread->wait(10000));
-    EXPECT_EQ(errors.count(), 1);
+    EXPECT_EQ(unplugged.count(), 1);
+    EXPECT_EQ(errors.count(), 0);
+}
+
+TEST_F(DeviceFixture, ListenerExitEndsItBeforeTheEventTimeOut)
+{
+    UsbListenThread listener;
+    listener.start();
+    QThread::msleep(30);
+    QElapsedTimer timer;
+    timer.start();
+    listener.Exit();
+    ASSERT_TRUE(listener.wait(2000));
+    EXPECT_LT(timer.elapsed(), UsbListenThread::kEventTimeoutUs / 1000 / 2)
+        << "quitting must not wait out the event time-out";
 }
 
 } // namespace

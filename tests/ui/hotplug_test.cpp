@@ -12,8 +12,6 @@
 #include <QThread>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 namespace
 {
@@ -21,32 +19,35 @@ namespace
 constexpr unsigned short kVendor = 0x5A3C;
 constexpr short kArrived = 1;
 constexpr short kLeft = 2;
+using Devices = std::vector<fakeusb::Device>;
+using Names = std::vector<std::string>;
 
-bool waitFor(const std::function<bool()> &done, int timeoutMs = 8000)
+bool waitFor(const std::function<bool()> &done)
 {
     QElapsedTimer timer;
     timer.start();
-    while (!done()) {
-        if (timer.elapsed() > timeoutMs)
-            return false;
+    while (!done() && timer.elapsed() < 8000) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         QThread::msleep(5);
     }
-    return true;
+    return done();
 }
 
-std::vector<short> &seenStates()
-{
-    static std::vector<short> states;
-    return states;
-}
-
-// Records the state of each hot-plug message the window takes, in the order taken.
+// The state of each hot-plug message the window takes, in the order taken.
+std::vector<short> seenStates;
 void recordStates(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
-    if (type != QtInfoMsg || !text.startsWith("ReceiveUsbMsg"))
-        return;
-    seenStates().push_back(static_cast<short>(text.section(' ', -1).toShort()));
+    if (type == QtInfoMsg && text.startsWith("ReceiveUsbMsg"))
+        seenStates.push_back(static_cast<short>(text.section(' ', -1).toShort()));
+}
+
+// Slot contents as "a b - - -".
+Names names(const QString &text)
+{
+    Names result;
+    for (const QString &name : text.split(' '))
+        result.push_back(name == "-" ? "" : name.toStdString());
+    return result;
 }
 
 class HotPlug : public DeviceFixture
@@ -65,31 +66,29 @@ protected:
         m_Disconnected = m_Window->findChild<QLabel *>("DisconnectTipsLabel");
         ASSERT_TRUE(m_Strip && m_Pages && m_Disconnected);
     }
-
     void TearDown() override
     {
         m_Window.reset();
         fakeuinput::stop();
         DeviceFixture::TearDown();
     }
-
-    void present(const std::vector<fakeusb::Device> &devices)
+    void present(const Devices &devices)
     {
+        TearDown();
+        SetUp();
         for (const fakeusb::Device &device : devices)
             fakeusb::addDevice(device);
         m_Window->EnumDeviceLinux(0);
     }
-
     // Device names by slot, "" for an empty one: each named device holds its slot with
     // the one open handle of its vendor interface, and the window shows what is open.
-    void expectSlots(const std::vector<std::string> &names)
+    void expectSlots(const Names &wanted)
     {
-        std::vector<std::string> expected;
-        std::vector<std::string> paths;
+        Names expected, paths;
         int filled = 0;
-        for (size_t slot = 0; slot < names.size(); ++slot) {
-            expected.push_back(names[slot].empty() ? "" : fakeusb::hidPath(names[slot], 2));
-            filled += !names[slot].empty();
+        for (size_t slot = 0; slot < wanted.size(); ++slot) {
+            expected.push_back(wanted[slot].empty() ? "" : fakeusb::hidPath(wanted[slot], 2));
+            filled += !wanted[slot].empty();
             const CTablet *tablet = CGlobalData::TabletArray[slot];
             paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
         }
@@ -101,6 +100,18 @@ protected:
         EXPECT_EQ(m_Disconnected->isVisible(), filled == 0);
     }
 
+    // "a:0B40:1 b:0B41:2": named tablets of a product on a port each.
+    static Devices devices(const QString &text)
+    {
+        Devices result;
+        for (const QString &item : text.split(' ', Qt::SkipEmptyParts)) {
+            const QStringList f = item.split(':');
+            result.push_back(tablet(f[0].toStdString(), uint16_t(f[1].toUInt(nullptr, 16)),
+                                    uint8_t(f[2].toUInt())));
+        }
+        return result;
+    }
+
     QTemporaryDir m_Uinput;
     std::unique_ptr<MainWindow> m_Window;
     QDeviceItemWidget *m_Strip = nullptr;
@@ -108,91 +119,54 @@ protected:
     QLabel *m_Disconnected = nullptr;
 };
 
-struct ArrivalCase {
-    const char *name;
-    std::vector<fakeusb::Device> before;
-    fakeusb::Device plugged;
-    std::vector<std::string> bySlot;
-};
-
 TEST_F(HotPlug, ArrivalOpensCataloguedDevicesOnly)
 {
-    const ArrivalCase cases[] = {
-        {"first tablet", {}, tablet("a", 0x0B40, 1), {"a", "", "", "", ""}},
-        {"like tablet beside a running one",
-         {tablet("a", 0x0B40, 1)},
-         tablet("b", 0x0B40, 2),
-         {"a", "b", "", "", ""}},
-        {"product not in the catalogue", {}, tablet("odd", 0x0BFF, 2), {"", "", "", "", ""}},
-        {"sixth device",
-         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2), tablet("c", 0x0B41, 3),
-          tablet("d", 0x0B41, 4), tablet("e", 0xA20C, 5)},
-         tablet("f", 0x0B40, 6),
-         {"a", "b", "c", "d", "e"}},
+    const char *cases[][3] = {
+        // present before | plugged | slots after
+        {"", "a:0B40:1", "a - - - -"},
+        {"a:0B40:1", "b:0B40:2", "a b - - -"},
+        {"", "odd:0BFF:2", "- - - - -"},
+        {"a:0B40:1 b:0B40:2 c:0B41:3 d:0B41:4 e:A20C:5", "f:0B40:6", "a b c d e"},
     };
-    for (const ArrivalCase &c : cases) {
-        SCOPED_TRACE(c.name);
-        TearDown();
-        SetUp();
-        present(c.before);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c[1]);
+        present(devices(c[0]));
         const std::vector<CTablet *> earlier(std::begin(CGlobalData::TabletArray),
                                              std::end(CGlobalData::TabletArray));
-        fakeusb::plug(c.plugged);
+        const fakeusb::Device plugged = devices(c[1]).front();
+        fakeusb::plug(plugged);
         QElapsedTimer timer;
         timer.start();
-        m_Window->ReceiveUsbMsg(kVendor, c.plugged.pid, kArrived);
+        m_Window->ReceiveUsbMsg(kVendor, plugged.pid, kArrived);
         EXPECT_GE(timer.elapsed(), 600);
-        expectSlots(c.bySlot);
-        for (size_t slot = 0; slot < earlier.size(); ++slot) {
-            if (earlier[slot]) {
-                EXPECT_EQ(CGlobalData::TabletArray[slot], earlier[slot]) << "slot " << slot;
-            }
-        }
+        expectSlots(names(c[2]));
+        for (size_t slot = 0; slot < earlier.size(); ++slot)
+            EXPECT_TRUE(!earlier[slot] || CGlobalData::TabletArray[slot] == earlier[slot]) << slot;
     }
 }
 
-struct RemovalCase {
-    const char *name;
-    std::vector<fakeusb::Device> before;
-    std::string unplugged;
-    uint16_t pid;
-    std::vector<std::string> bySlot;
-    bool reopened; // the remaining tablet is a new object
-};
-
 TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
 {
-    const RemovalCase cases[] = {
-        {"last device", {tablet("a", 0x0B40, 1)}, "a", 0x0B40, {"", "", "", "", ""}, false},
-        {"one of two like tablets",
-         {tablet("a", 0x0B40, 1), tablet("b", 0x0B40, 2)},
-         "a",
-         0x0B40,
-         {"b", "", "", "", ""},
-         true},
-        {"one of two different tablets",
-         {tablet("a", 0x0B40, 1), tablet("c", 0xA20C, 2)},
-         "c",
-         0xA20C,
-         {"a", "", "", "", ""},
-         false},
-    };
-    for (const RemovalCase &c : cases) {
-        SCOPED_TRACE(c.name);
-        TearDown();
-        SetUp();
-        present(c.before);
+    const struct {
+        const char *before, *unplugged;
+        uint16_t pid;
+        const char *after;
+        bool reopened; // the remaining tablet is a new object
+    } cases[] = {{"a:0B40:1", "a", 0x0B40, "- - - - -", false},
+                 {"a:0B40:1 b:0B40:2", "a", 0x0B40, "b - - - -", true},
+                 {"a:0B40:1 c:A20C:2", "c", 0xA20C, "a - - - -", false}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.before);
+        present(devices(c.before));
         std::vector<CTablet *> closed;
         for (CTablet *tablet : CGlobalData::TabletArray) {
             if (tablet && tablet->m_ProductId == c.pid)
                 closed.push_back(tablet);
         }
         CTablet *const first = CGlobalData::TabletArray[0];
-
         fakeusb::unplug(c.unplugged);
         m_Window->ReceiveUsbMsg(kVendor, c.pid, kLeft);
-
-        expectSlots(c.bySlot);
+        expectSlots(names(c.after));
         for (const CTablet *tablet : closed)
             EXPECT_FALSE(tablet->m_Active) << "closed devices end their session";
         if (CGlobalData::TabletArray[0]) {
@@ -207,12 +181,13 @@ TEST_F(HotPlug, RemovalClosesTheProductAndReopensWhatRemains)
 TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
 {
     writeNames("[Common]\nPID_0B40=Alpha\nPID_0B41=Beta\nPID_A20C=Gamma\n");
-    present({tablet("a", 0x0B40, 1), tablet("b", 0x0B41, 2), tablet("c", 0xA20C, 3)});
+    for (const fakeusb::Device &device : devices("a:0B40:1 b:0B41:2 c:A20C:3"))
+        fakeusb::addDevice(device);
+    m_Window->EnumDeviceLinux(0);
     const QList<QAbstractButton *> entries = m_Strip->findChildren<QAbstractButton *>();
     ASSERT_EQ(entries.size(), 3);
     entries[2]->click();
     ASSERT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[2]);
-
     fakeusb::unplug("a");
     m_Window->ReceiveUsbMsg(kVendor, 0x0B40, kLeft);
     EXPECT_EQ(m_Strip->count(), 2);
@@ -221,44 +196,35 @@ TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
 }
 
 // Through the listener that Init starts: events are taken one by one, in the order they came.
-TEST_F(HotPlug, QuickReplugsAreHandledInOrder)
+TEST_F(HotPlug, QuickReplugsAreHandledInOrderAndALateTabletComesAndGoes)
 {
     fakeusb::addDevice(tablet("a", 0x0B40, 1));
     ASSERT_EQ(m_Window->Init(), 1);
     ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
-    seenStates().clear();
+    seenStates.clear();
     const QtMessageHandler previous = qInstallMessageHandler(recordStates);
-
     for (int round = 0; round < 2; ++round) {
         fakeusb::unplug("a");
         fakeusb::plug(tablet("a", 0x0B40, 1));
     }
-    const bool allTaken = waitFor([] { return seenStates().size() >= 4; });
+    const bool allTaken = waitFor([] { return seenStates.size() >= 4; });
     qInstallMessageHandler(previous);
     ASSERT_TRUE(allTaken);
-    EXPECT_EQ(seenStates(), (std::vector<short>{kLeft, kArrived, kLeft, kArrived}));
-
-    expectSlots({"a", "", "", "", ""});
+    EXPECT_EQ(seenStates, (std::vector<short>{kLeft, kArrived, kLeft, kArrived}));
+    expectSlots(names("a - - - -"));
     const size_t written = fakeusb::writesTo("a").size();
     CGlobalData::TabletArray[0]->SentCmd(kCmdReportMode, kReportModeSystem, 0);
     EXPECT_EQ(fakeusb::writesTo("a").size(), written + 1) << "the handle is the new attachment's";
-}
 
-TEST_F(HotPlug, TabletPluggedAfterStartComesAndGoes)
-{
-    ASSERT_EQ(m_Window->Init(), 1);
-    EXPECT_FALSE(m_Pages->isVisible());
-
-    fakeusb::plug(tablet("a", 0x0B40, 1));
+    fakeusb::unplug("a");
+    ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] == nullptr; }));
+    expectSlots(names("- - - - -"));
+    fakeusb::plug(tablet("b", 0x0B40, 2));
     ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] != nullptr; }));
     EXPECT_TRUE(CGlobalData::TabletArray[0]->m_Active);
     EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
     EXPECT_EQ(m_Strip->currentText(), "Scribora Sketch S");
-    expectSlots({"a", "", "", "", ""});
-
-    fakeusb::unplug("a");
-    ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] == nullptr; }));
-    expectSlots({"", "", "", "", ""});
+    expectSlots(names("b - - - -"));
 }
 
 } // namespace

@@ -1,0 +1,385 @@
+#include "fakeusb.h"
+
+#include "usblink.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+
+namespace fakeusb
+{
+namespace
+{
+
+using Lock = std::unique_lock<std::mutex>;
+constexpr uint16_t kLanguage = 0x0409;
+
+// One attachment of a device: a replug is a new one, so old handles stay dead.
+struct Attached {
+    Device device;
+    bool present = true;
+    std::deque<Bytes> reports;
+    int readErrors = 0;
+};
+
+class FakeHotplug;
+
+struct State {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<Attached> devices;
+    std::vector<std::pair<std::string, Write>> writes;
+    std::set<FakeHotplug *> listeners;
+    int openHandles = 0;
+    int openCalls = 0;
+    int resets = 0; // handles of an earlier test close without counting
+};
+
+// Never destroyed: the program's objects may call in during exit.
+State &state()
+{
+    static State *instance = new State;
+    return *instance;
+}
+
+Lock locked()
+{
+    return Lock(state().mutex);
+}
+
+Attached &latest(const std::string &name)
+{
+    auto &devices = state().devices;
+    const auto found = std::find_if(devices.rbegin(), devices.rend(),
+                                    [&](const Attached &a) { return a.device.name == name; });
+    if (found == devices.rend())
+        throw std::invalid_argument("fakeusb: unknown device " + name);
+    return *found;
+}
+
+std::string pathOf(const Device &device, int interfaceNumber)
+{
+    std::string path = "1-";
+    for (size_t i = 0; i < device.ports.size(); ++i)
+        path += (i ? "." : "") + std::to_string(device.ports[i]);
+    return path + ":1." + std::to_string(interfaceNumber);
+}
+
+class FakeHid : public HidDevice
+{
+public:
+    FakeHid(size_t index, const std::string &path)
+        : HidDevice(path), m_Index(index), m_Resets(state().resets)
+    {
+    }
+    ~FakeHid() override
+    {
+        const Lock lock = locked();
+        state().openHandles -= m_Resets == state().resets;
+    }
+    int write(const unsigned char *data, size_t length) override
+    {
+        const Lock lock = locked();
+        if (!alive())
+            return -1;
+        state().writes.push_back({alive()->device.name, {path(), Bytes(data, data + length)}});
+        return int(length);
+    }
+    int readTimeout(unsigned char *data, size_t length, int milliseconds) override
+    {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+        Lock lock = locked();
+        for (Attached *device = alive(); device; device = alive()) {
+            if (device->readErrors > 0 && device->readErrors--)
+                return -1;
+            if (!device->reports.empty()) {
+                const Bytes report = device->reports.front();
+                device->reports.pop_front();
+                std::copy_n(report.begin(), std::min(length, report.size()), data);
+                return int(std::min(length, report.size()));
+            }
+            if (state().changed.wait_until(lock, deadline) == std::cv_status::timeout)
+                return 0;
+        }
+        return -1;
+    }
+    std::wstring error() override { return L"fakeusb: the device failed"; }
+    int manufacturer(wchar_t *text, size_t length) override
+    {
+        return indexedString(1, text, length);
+    }
+    int product(wchar_t *text, size_t length) override { return indexedString(2, text, length); }
+    int indexedString(int index, wchar_t *text, size_t length) override
+    {
+        const Lock lock = locked();
+        if (!alive() || !alive()->device.strings.count(index))
+            return -1;
+        wcsncpy(text, alive()->device.strings.at(index).c_str(), length);
+        text[length - 1] = L'\0';
+        return 0;
+    }
+
+private:
+    Attached *alive()
+    {
+        const bool current = m_Resets == state().resets && state().devices[m_Index].present;
+        return current ? &state().devices[m_Index] : nullptr;
+    }
+
+    size_t m_Index;
+    int m_Resets;
+};
+
+// Answers GET_DESCRIPTOR for strings as a device with the one language does.
+class FakeUsbHandle : public UsbHandle
+{
+public:
+    explicit FakeUsbHandle(const Device &device) : m_Device(device) {}
+    int controlTransfer(uint8_t requestType, uint8_t request, uint16_t value, uint16_t language,
+                        unsigned char *data, uint16_t length, unsigned) override
+    {
+        const int index = value & 0xFF;
+        Bytes payload;
+        if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03)
+            return -1;
+        if (index == 0 && language == 0)
+            payload = {kLanguage & 0xFF, kLanguage >> 8};
+        else if (language != kLanguage)
+            return -1;
+        else if (m_Device.rawStrings.count(index))
+            payload = m_Device.rawStrings.at(index);
+        else if (m_Device.strings.count(index))
+            for (wchar_t c : m_Device.strings.at(index))
+                payload.insert(payload.end(), {uint8_t(c), uint8_t(uint32_t(c) >> 8)});
+        else
+            return -1;
+        payload.insert(payload.begin(), {uint8_t(payload.size() + 2), 0x03});
+        std::copy_n(payload.begin(), std::min<size_t>(payload.size(), length), data);
+        return int(std::min<size_t>(payload.size(), length));
+    }
+
+private:
+    Device m_Device;
+};
+
+class FakeDeviceList : public UsbDeviceList
+{
+public:
+    FakeDeviceList()
+    {
+        const Lock lock = locked();
+        for (const Attached &candidate : state().devices) {
+            if (candidate.present)
+                m_Devices.push_back(candidate.device);
+        }
+    }
+    std::vector<UsbAddress> addresses() override
+    {
+        std::vector<UsbAddress> result;
+        for (const Device &device : m_Devices)
+            result.push_back({1, device.ports});
+        return result;
+    }
+    std::unique_ptr<UsbHandle> open(size_t index) override
+    {
+        if (!m_Devices.at(index).openable)
+            return nullptr;
+        return std::make_unique<FakeUsbHandle>(m_Devices[index]);
+    }
+
+private:
+    std::vector<Device> m_Devices;
+};
+
+class FakeHotplug : public HotplugContext
+{
+public:
+    ~FakeHotplug() override { deregisterCallback(); }
+    bool hasHotplug() override { return true; }
+    bool registerCallback(unsigned short vendorId, Callback callback) override
+    {
+        const Lock lock = locked();
+        m_Vendor = vendorId;
+        m_Callback = std::move(callback);
+        state().listeners.insert(this);
+        return true;
+    }
+    void deregisterCallback() override
+    {
+        const Lock lock = locked();
+        state().listeners.erase(this);
+    }
+    void handleEvents(int timeoutUs) override
+    {
+        Lock lock = locked();
+        state().changed.wait_for(lock, std::chrono::microseconds(timeoutUs),
+                                 [this] { return m_Interrupted || !m_Pending.empty(); });
+        m_Interrupted = false;
+        std::deque<HotplugEvent> events;
+        events.swap(m_Pending);
+        lock.unlock();
+        for (const HotplugEvent &event : events)
+            m_Callback(event);
+    }
+    void interruptEvents() override
+    {
+        const Lock lock = locked();
+        m_Interrupted = true;
+        state().changed.notify_all();
+    }
+    void announce(const Device &device, short event)
+    {
+        if (device.vid == m_Vendor)
+            m_Pending.push_back({true, device.vid, device.pid, event});
+    }
+
+private:
+    unsigned short m_Vendor = 0;
+    Callback m_Callback;
+    std::deque<HotplugEvent> m_Pending;
+    bool m_Interrupted = false;
+};
+
+class FakeUsbLink : public UsbLink
+{
+public:
+    std::vector<HidInterface> enumerateHid(unsigned short vid, unsigned short pid) override
+    {
+        const Lock lock = locked();
+        std::vector<HidInterface> result;
+        for (const Attached &candidate : state().devices) {
+            const Device &device = candidate.device;
+            if (!candidate.present || device.vid != vid || (pid && device.pid != pid))
+                continue;
+            for (int number : device.interfaces)
+                result.push_back({pathOf(device, number), device.vid, device.pid, number});
+        }
+        return result;
+    }
+    std::unique_ptr<HidDevice> openHid(const std::string &path) override
+    {
+        const Lock lock = locked();
+        ++state().openCalls;
+        for (size_t i = 0; i < state().devices.size(); ++i) {
+            const Attached &candidate = state().devices[i];
+            const auto &numbers = candidate.device.interfaces;
+            const bool here = std::any_of(numbers.begin(), numbers.end(), [&](int number) {
+                return pathOf(candidate.device, number) == path;
+            });
+            if (candidate.present && here && candidate.device.openable) {
+                ++state().openHandles;
+                return std::make_unique<FakeHid>(i, path);
+            }
+        }
+        return nullptr;
+    }
+    std::unique_ptr<UsbDeviceList> usbDevices() override
+    {
+        return std::make_unique<FakeDeviceList>();
+    }
+    std::unique_ptr<HotplugContext> hotplugContext() override
+    {
+        return std::make_unique<FakeHotplug>();
+    }
+};
+
+void announce(const Device &device, short event)
+{
+    for (FakeHotplug *listener : state().listeners)
+        listener->announce(device, event);
+    state().changed.notify_all();
+}
+
+} // namespace
+
+void reset()
+{
+    const Lock lock = locked();
+    state().devices.clear();
+    state().writes.clear();
+    state().openHandles = state().openCalls = 0;
+    ++state().resets;
+    state().changed.notify_all();
+}
+
+void addDevice(const Device &device)
+{
+    const Lock lock = locked();
+    state().devices.push_back({device, true, {}, 0});
+}
+
+void plug(const Device &device)
+{
+    const Lock lock = locked();
+    state().devices.push_back({device, true, {}, 0});
+    announce(device, 1);
+}
+
+void unplug(const std::string &name)
+{
+    const Lock lock = locked();
+    latest(name).present = false;
+    announce(latest(name).device, 2);
+}
+
+std::string hidPath(const std::string &name, int interfaceNumber)
+{
+    const Lock lock = locked();
+    return pathOf(latest(name).device, interfaceNumber);
+}
+
+void queueReport(const std::string &name, const Bytes &report)
+{
+    const Lock lock = locked();
+    latest(name).reports.push_back(report);
+    state().changed.notify_all();
+}
+
+void queueReadErrors(const std::string &name, int count)
+{
+    const Lock lock = locked();
+    latest(name).readErrors += count;
+    state().changed.notify_all();
+}
+
+std::vector<Write> writesTo(const std::string &name)
+{
+    const Lock lock = locked();
+    std::vector<Write> result;
+    for (const auto &write : state().writes) {
+        if (name.empty() || write.first == name)
+            result.push_back(write.second);
+    }
+    return result;
+}
+
+std::vector<Write> writes()
+{
+    return writesTo("");
+}
+
+int openHidHandles()
+{
+    const Lock lock = locked();
+    return state().openHandles;
+}
+
+int hidOpenCalls()
+{
+    const Lock lock = locked();
+    return state().openCalls;
+}
+
+} // namespace fakeusb
+
+UsbLink &usbLink()
+{
+    static auto *link = new fakeusb::FakeUsbLink;
+    return *link;
+}
