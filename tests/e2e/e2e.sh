@@ -1,4 +1,5 @@
 #!/bin/bash
+# shellcheck disable=SC2317  # the test_* functions run by name, from $1
 # The e2e tests: each boots the guest once (harness/run-e2e.sh) with emulated
 # tablets, runs a script of guest/ there, then checks the run on the host.
 #   e2e.sh TEST SCRIBORA_BINARY BUILD_DIR
@@ -39,20 +40,23 @@ qemu_starts() {
 # guest/ and of the binary, resource.rcc and conf/; the script gets the paths
 # of those copies (binary, build folder) after ARGS. Sets RUN and RC.
 boot() {
-    local name="$1" script="$2" args=() t0 quiet=--quiet
+    local name="$1" script="$2" args=() t0 quiet=(--quiet)
     shift 2
     while [ "$1" != -- ]; do args+=("$1"); shift; done
     shift
-    [ "${E2E_VERBOSE:-0}" = 1 ] && quiet=""
+    [ "${E2E_VERBOSE:-0}" = 1 ] && quiet=()
     RUN="$BUILD/e2e-runs/$name-$(date +%Y%m%d-%H%M%S)-$$"
-    mkdir -p "$RUN/build" && cp -r "$E2E_TESTS/guest" "$RUN/guest" &&
+    if ! { mkdir -p "$RUN/build" && cp -r "$E2E_TESTS/guest" "$RUN/guest" &&
         cp "$SCRIBORA_BIN" "$(dirname "$SCRIBORA_BIN")/resource.rcc" "$RUN/build/" &&
-        cp -r "$BUILD/conf" "$RUN/build/conf" || { echo "FAIL: could not stage $RUN"; exit 1; }
+        cp -r "$BUILD/conf" "$RUN/build/conf"; }; then
+        echo "FAIL: could not stage $RUN"
+        exit 1
+    fi
     echo "e2e: $name: booting the guest (run dir $RUN)"
     t0=$(date +%s)
-    ( cd "$RUN" && "$HARNESS/run-e2e.sh" $quiet --timeout "${E2E_TIMEOUT:-300}" --run-dir "$RUN" "$@" \
+    "$HARNESS/run-e2e.sh" "${quiet[@]+"${quiet[@]}"}" --timeout "${E2E_TIMEOUT:-300}" --run-dir "$RUN" "$@" \
         -- bash "/e2e/run/guest/$script" "${args[@]+"${args[@]}"}" \
-        "/e2e/run/build/$(basename "$SCRIBORA_BIN")" /e2e/run/build )
+        "/e2e/run/build/$(basename "$SCRIBORA_BIN")" /e2e/run/build
     RC=$?
     echo "e2e: $name: harness exit status $RC, wall $(($(date +%s) - t0))s"
     if [ "$RC" = 125 ] && ! qemu_starts > "$RUN/qemu-probe.log" 2>&1; then

@@ -3,6 +3,7 @@
 # in, drawn on and unplugged, then plugged in again and unplugged while the
 # pen moves. After each unplug the driver must run on and answer.
 #   hotplug.sh SCRIBORA_BINARY BUILD_DIR
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_install_conf "$2" && scribora_start "$1" && pen_node || exit 1

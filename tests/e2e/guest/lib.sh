@@ -11,6 +11,7 @@ SCRIBORA_CONF_DIR=/usr/lib/scribora/conf/norva
 SCRIBORA_PID=""
 # Cold starts over 9p under TCG take seconds; this only bounds a hang.
 E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
+# shellcheck disable=SC2034  # status and PEN_NODE are for the sourcing scripts
 status=0
 
 guest_log() { echo "guest: $*"; }
@@ -18,13 +19,10 @@ probe() { /usr/bin/python3 "$E2E_GUEST_DIR/probe.py" "$@"; }
 emuctl() { probe emuctl "$@"; }
 
 # scribora_install_conf BUILD_DIR : lays down the configuration folder from
-# the files the build generated.
+# the files the build generated (target scribora_data).
 scribora_install_conf() {
-    local f
-    for f in config.xml name_config.ini language.ini; do
-        [ -s "$1/conf/$f" ] || { guest_log "missing $1/conf/$f (scribora_data built?)"; return 1; }
-        install -D -m 644 "$1/conf/$f" "$SCRIBORA_CONF_DIR/$f" || return 1
-    done
+    mkdir -p "$SCRIBORA_CONF_DIR" &&
+        cp "$1"/conf/{config.xml,name_config.ini,language.ini} "$SCRIBORA_CONF_DIR/"
 }
 
 # scribora_start BINARY : starts the driver in the background, its output in
@@ -74,6 +72,7 @@ scribora_alive() {
     fi
 }
 
+# shellcheck disable=SC2034
 # pen_node : waits for the driver's virtual pen; sets PEN_NODE.
 pen_node() {
     PEN_NODE="$(probe node "NORVA Pen" "$E2E_WAIT_S")" || { guest_log "no \"NORVA Pen\" input device"; return 1; }

@@ -58,6 +58,7 @@ DOWN_PRESSURE, MOVE_PRESSURE = 1000, 2000
 # Start packet of report mode 4; "02b002" is the release packet of a close.
 START_PACKET, RELEASE_PACKET = "02b004", "02b002"
 GRID_X = (13081, 26162, 39243)
+WAITS = ("wait-out", "connect")
 
 
 class NoReply(Exception):
@@ -80,12 +81,6 @@ class Channel:
         except OSError as e:
             raise NoReply("open %s: %s" % (path, e))
 
-    @staticmethod
-    def limit(words):
-        # waiting verbs carry their own timeout; leave the emulator time to answer it
-        waits = words[0] in ("wait-out", "connect") and len(words) > 2
-        return 30.0 + (float(words[2]) if waits else 0)
-
     def request(self, words):
         return self.pipeline([words])[0]
 
@@ -99,7 +94,8 @@ class Channel:
 
     def reply(self, words):
         reply = b""
-        deadline = time.monotonic() + self.limit(words)
+        # waiting verbs carry their own timeout; leave the emulator time to answer it
+        deadline = time.monotonic() + 30 + (float(words[2]) if words[0] in WAITS else 0)
         while not reply.endswith(b"\n"):
             left = deadline - time.monotonic()
             if left <= 0:
@@ -120,19 +116,19 @@ class Channel:
         return line
 
 
-class Results:
-    passed = failed = 0
-
-    def __call__(self, ok, text):
-        print(("PASS: " if ok else "FAIL: ") + text, flush=True)
-        if ok:
-            Results.passed += 1
-        else:
-            Results.failed += 1
-        return ok
+COUNTS = {True: 0, False: 0}
 
 
-check = Results()
+def check(ok, text):
+    print(("PASS: " if ok else "FAIL: ") + text, flush=True)
+    COUNTS[bool(ok)] += 1
+    return ok
+
+
+def asks(ch, words, text):
+    """A request whose reply must be "ok ..."; text gets the reply."""
+    reply = ch.request(words)
+    return check(reply.startswith("ok"), "%s (%s)" % (text, reply))
 
 
 def pen_report(status, x, y, pressure=0, tilt=(0, 0)):
@@ -171,7 +167,7 @@ class PenNode:
         self.buffer = b""
         self.queue = collections.deque()
         self.current = []
-        self.dropped = self.events_read = 0
+        self.dropped = 0
 
     def next_event(self, deadline):
         while not self.queue:
@@ -187,7 +183,6 @@ class PenNode:
         return self.queue.popleft()
 
     def record(self, sec, usec, etype, code, value):
-        self.events_read += 1
         self.log.write(json.dumps({"t": round(time.monotonic() - self.t0, 6),
                                    "time": sec + usec / 1e6, "type": etype, "code": code,
                                    "value": value}) + "\n")
@@ -213,12 +208,7 @@ class PenNode:
 
     def all_events(self, seconds):
         deadline = time.monotonic() + seconds
-        got = []
-        while True:
-            event = self.next_event(deadline)
-            if event is None:
-                return got
-            got.append(event)
+        return list(iter(lambda: self.next_event(deadline), None))
 
     def keys_down(self, codes):
         """Names of the given keys that the device holds down now (EVIOCGKEY)."""
@@ -273,15 +263,13 @@ def strokes(ch, pen, what, plan, mapped=lambda x, y: (x, y)):
 
 def started(ch, device, what, timeout=PLUG_TIMEOUT_S):
     """Waits for the driver's next start packet to the device."""
-    reply = ch.request(["wait-out", device, str(timeout), START_PACKET])
-    return check(reply.startswith("ok"), "%s: the driver opened %s and sent its start packet "
-                 "(%s)" % (what, device, reply))
+    return asks(ch, ["wait-out", device, str(timeout), START_PACKET],
+                "%s: the driver opened %s and sent its start packet" % (what, device))
 
 
 def plug_in(ch, device, what):
     ch.ok(["skip-outs", device])  # only a start packet of this attachment counts
-    reply = ch.request(["connect", device, str(PLUG_TIMEOUT_S)])
-    check(reply.startswith("ok"), "%s: %s plugged in (%s)" % (what, device, reply))
+    asks(ch, ["connect", device, str(PLUG_TIMEOUT_S)], "%s: %s plugged in" % (what, device))
     return started(ch, device, what)
 
 
@@ -289,8 +277,7 @@ def unplug(ch, device, what, others=()):
     """Unplugs the device; only output reports to the others after this count."""
     for dev in others:
         ch.ok(["skip-outs", dev])
-    reply = ch.request(["disconnect", device])
-    return check(reply.startswith("ok"), "%s: %s unplugged (%s)" % (what, device, reply))
+    return asks(ch, ["disconnect", device], "%s: %s unplugged" % (what, device))
 
 
 # (what, report, the frame it gives after the kernel's filtering)
@@ -457,15 +444,11 @@ def interface_dirs():
     return dirs
 
 
-def interface_drivers():
-    """tabN -> driver of its interface 2: "usbfs" while a program holds it."""
-    return {dev: os.path.basename(os.path.realpath(d + "/driver"))
-            if os.path.islink(d + "/driver") else None for dev, d in interface_dirs().items()}
-
-
 def check_drivers(what, want):
-    got = interface_drivers()
-    seen = {dev: got.get(dev) for dev in want}
+    """want: tabN -> driver of its interface 2 ("usbfs" while a program holds it)."""
+    dirs = interface_dirs()
+    seen = {dev: os.path.basename(os.path.realpath(dirs[dev] + "/driver"))
+            if os.path.islink(dirs.get(dev, "-") + "/driver") else None for dev in want}
     return check(seen == want, "%s: interface %d drivers %s%s"
                  % (what, IFACE, seen, "" if seen == want else " (want %s)" % want))
 
@@ -518,9 +501,8 @@ SCAN_DONE_S = 5
 
 def closed(ch, device, what):
     """The release packet of a close, then the start packet of the reopening."""
-    reply = ch.request(["wait-out", device, str(PLUG_TIMEOUT_S), RELEASE_PACKET])
-    check(reply.startswith("ok"), "%s: the driver closed %s (release packet: %s)"
-          % (what, device, reply))
+    asks(ch, ["wait-out", device, str(PLUG_TIMEOUT_S), RELEASE_PACKET],
+         "%s: the driver closed %s (release packet)" % (what, device))
     return started(ch, device, what + ": reopened")
 
 
@@ -581,8 +563,7 @@ def run_slots(ch, pen, names_path):
         check_drivers("slot freed", {dev: "usbfs" for dev in opened[1:] + [sixth]})
     ch.ok(["mark", "replug"])
     before = arrivals()
-    reply = ch.request(["connect", gone, str(PLUG_TIMEOUT_S)])
-    check(reply.startswith("ok"), "slots full: %s plugged in again (%s)" % (gone, reply))
+    asks(ch, ["connect", gone, str(PLUG_TIMEOUT_S)], "slots full: %s plugged in again" % gone)
     # the app's event loop answers only once the arrival handler (600 ms sleep and scan) returned
     for _ in range(PLUG_TIMEOUT_S * 10):
         if arrivals() > before:
@@ -618,8 +599,7 @@ def main(argv):
     elif argv[:1] == ["ping-app"] and len(argv) == 2:
         ping_app(float(argv[1]))
     elif argv[:1] == ["driver"] and len(argv) == 2:
-        got = interface_drivers().get("tab1")
-        check(got == argv[1], "tab1 interface %d is bound to %s (want %s)" % (IFACE, got, argv[1]))
+        check_drivers("tab1", {"tab1": argv[1]})
     elif argv == ["hidraw"]:
         check_hidraw(Channel())
     elif argv[:1] in (["stroke"], ["plug"], ["unplug"], ["like"], ["slots"]) and len(argv) >= 3:
@@ -633,8 +613,8 @@ def main(argv):
     else:
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
-    print("probe %s: %d passed, %d failed" % (argv[0], check.passed, check.failed), flush=True)
-    return 0 if check.failed == 0 and check.passed > 0 else 1
+    print("probe %s: %d passed, %d failed" % (argv[0], COUNTS[True], COUNTS[False]), flush=True)
+    return 0 if COUNTS[True] and not COUNTS[False] else 1
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@
 # driver as the tray's Exit does: the profile saved, exit status 0, and tab1's
 # vendor interface back with usbhid, passing reports on.
 #   session.sh SCRIBORA_BINARY BUILD_DIR
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_install_conf "$2" && scribora_start "$1" || exit 1

@@ -2,6 +2,7 @@
 # Guest side of e2e_like_tablets and e2e_six_tablets: the driver starts with
 # the emulated tablets plugged in; probe.py like|slots plays the scenario.
 #   tablets.sh like|slots SCRIBORA_BINARY BUILD_DIR
+# shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 scribora_install_conf "$3" || exit 1
