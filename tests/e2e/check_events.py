@@ -12,269 +12,161 @@ Checks (repeatable, run in the order given):
   --not-opened DEV IFACE     nobody polled the IN endpoint of interface IFACE
   --enumerated DEV           string descriptors were requested from the device
                              (hidapi's enumeration reads them from every device it lists)
-  --app-clean NAME           $E2E_OUT/NAME.log has no crash message, NAME.status shows
-                             it ran until stopped and ended by SIGTERM or with 0,
-                             and the guest kernel logged no fault of it
+  --app-clean NAME           out/NAME.log has no crash message, NAME.status shows it
+                             ran until stopped and ended by SIGTERM or with 0, and
+                             the guest kernel logged no fault of it
   --stopped-within NAME SEC  NAME.status shows it ended within SEC seconds of the SIGTERM
 
 With --window, only the events between the two marks count (marks are logged
 through the control channel, e.g. by scribora_start/scribora_stop).
 Prints PASS/FAIL lines; exit 0 when every check passed, 1 otherwise.
 """
-import argparse
 import json
 import os
 import re
 import sys
 
-CRASH_PATTERNS = [
-    r"Segmentation fault", r"\bSIGSEGV\b", r"\bSIGABRT\b", r"\bAborted\b", r"core dumped",
-    r"terminate called", r"AddressSanitizer", r"LeakSanitizer", r"UndefinedBehaviorSanitizer",
-    r"runtime error:", r"ASSERT failure", r"ASSERT:", r"double free", r"stack smashing",
-    r"free\(\): invalid", r"malloc\(\): ", r"Illegal instruction", r"Bus error",
-]
+CRASH = re.compile(
+    r"Segmentation fault|\bSIGSEGV\b|\bSIGABRT\b|\bAborted\b|core dumped|terminate called|"
+    r"AddressSanitizer|LeakSanitizer|UndefinedBehaviorSanitizer|runtime error:|ASSERT failure|"
+    r"ASSERT:|double free|stack smashing|free\(\): invalid|malloc\(\): |Illegal instruction|"
+    r"Bus error")
+ARITY = {"--string-read": 2, "--no-string-read": 2, "--out": 2, "--no-out": 2,
+         "--not-opened": 2, "--enumerated": 1, "--app-clean": 1, "--stopped-within": 2,
+         "--window": 2}
 
 
 class Checker:
-    def __init__(self, run_dir, window):
+    def __init__(self, run_dir):
         self.run_dir = run_dir
-        self.passed = 0
-        self.failed = 0
-        path = os.path.join(run_dir, "events.jsonl")
-        self.events = []
-        with open(path) as f:
-            for n, line in enumerate(f, 1):
-                line = line.strip()
-                if not line:
-                    continue
-                try:
-                    self.events.append(json.loads(line))
-                except ValueError:
-                    self.fail("events.jsonl line %d is not JSON: %.80s" % (n, line))
-        self.devices = set()
-        for e in self.events:
-            if e.get("ev") == "started":
-                self.devices.update(e.get("devices", []))
-        self.lo, self.hi = -1, float("inf")
-        self.window_text = "whole run"
-        self.window_ok = True
-        if window:
-            self.window_ok = self.set_window(*window)
+        self.passed = self.failed = 0
+        with open(os.path.join(run_dir, "events.jsonl")) as f:
+            self.events = [json.loads(line) for line in f if line.strip()]
+        self.devices = {d for e in self.events if e["ev"] == "started" for d in e["devices"]}
+        self.lo, self.hi, self.where = -1, float("inf"), "in the whole run"
 
     def result(self, ok, text):
+        print(("PASS: " if ok else "FAIL: ") + text)
         if ok:
             self.passed += 1
-            print("PASS: " + text)
         else:
             self.failed += 1
-            print("FAIL: " + text)
         return ok
 
-    def fail(self, text):
-        return self.result(False, text)
-
-    def set_window(self, start, stop):
-        def seq_of(name):
-            for e in self.events:
-                if e.get("ev") == "mark" and e.get("name") == name:
-                    return e["seq"]
-            return None
-        lo, hi = seq_of(start), seq_of(stop)
-        ok = lo is not None and hi is not None and lo < hi
+    def window(self, start, stop):
+        seqs = [next((e["seq"] for e in self.events if e["ev"] == "mark" and e["name"] == m), None)
+                for m in (start, stop)]
+        ok = None not in seqs and seqs[0] < seqs[1]
         self.result(ok, "marks %s (seq %s) and %s (seq %s) logged in that order"
-                    % (start, lo, stop, hi))
+                    % (start, seqs[0], stop, seqs[1]))
         if ok:
-            self.lo, self.hi = lo, hi
-            self.window_text = "between %s and %s" % (start, stop)
+            (self.lo, self.hi), self.where = seqs, "between %s and %s" % (start, stop)
         return ok
 
-    def dev_events(self, dev, kind):
+    def of(self, dev, kind, match=lambda e: True):
+        """The device's events of this kind in the window that match."""
         if dev not in self.devices:
-            self.fail("device %s is not one of the emulated devices %s"
-                      % (dev, sorted(self.devices)))
-            return None
-        return [e for e in self.events
-                if e.get("dev") == dev and e.get("ev") == kind and self.lo < e["seq"] < self.hi]
-
-    @staticmethod
-    def setup_words(e):
-        # "80 06 0364 0409 0200" -> bmRequestType, bRequest, wValue, wIndex, wLength
-        return e.get("setup", "").lower().split()
+            raise ValueError("device %s is not one of %s" % (dev, sorted(self.devices)))
+        return [e for e in self.events if e["dev"] == dev and e["ev"] == kind
+                and self.lo < e["seq"] < self.hi and match(e)]
 
     def string_reads(self, dev, idx):
-        ctl = self.dev_events(dev, "control")
-        if ctl is None:
-            return None
-        want = "03%02x" % idx
-        return [e for e in ctl if self.setup_words(e)[:3] == ["80", "06", want]]
+        # setup "80 06 0364 0409 0200": bmRequestType, bRequest, wValue, wIndex, wLength
+        want = ["80", "06", "03%02x" % int(idx, 0)]
+        return self.of(dev, "control", lambda e: e["setup"].split()[:3] == want)
 
-    def check_string_read(self, dev, idx):
-        reads = self.string_reads(dev, int(idx, 0))
-        if reads is None:
-            return
-        answered = [e for e in reads if e.get("status") == 0]
-        if answered:
-            e = answered[0]
-            self.result(True, "%s: GET_DESCRIPTOR string %s requested (setup %s, status 0, %s bytes) %s"
-                        % (dev, idx, e["setup"], e.get("reply_len"), self.window_text))
-        elif reads:
-            self.fail("%s: GET_DESCRIPTOR string %s requested but not answered: %s"
-                      % (dev, idx, [(e["setup"], e.get("status")) for e in reads]))
-        else:
-            self.fail("%s: no GET_DESCRIPTOR string %s request %s" % (dev, idx, self.window_text))
+    def string_read(self, dev, idx):
+        reads = self.string_reads(dev, idx)
+        answered = [e["setup"] for e in reads if e["status"] == 0]
+        self.result(bool(answered), "%s: GET_DESCRIPTOR string %s requested and answered %s "
+                    "(%s)" % (dev, idx, self.where, [(e["setup"], e["status"]) for e in reads]))
 
-    def check_no_string_read(self, dev, idx):
-        reads = self.string_reads(dev, int(idx, 0))
-        if reads is None:
-            return
+    def no_string_read(self, dev, idx):
+        reads = self.string_reads(dev, idx)
         self.result(not reads, "%s: no GET_DESCRIPTOR string %s request %s%s"
-                    % (dev, idx, self.window_text,
-                       "" if not reads else " (saw %s)" % [e["setup"] for e in reads]))
+                    % (dev, idx, self.where, "" if not reads else " (seq %s)" % [e["seq"] for e in reads]))
 
-    def check_out(self, dev, hexdata):
-        outs = self.dev_events(dev, "out_report")
-        if outs is None:
-            return
-        want = hexdata.lower().replace(" ", "").replace(":", "")
-        exact = [e for e in outs if e.get("data", "").lower() == want
-                 and e.get("len") == len(want) // 2]
-        if exact:
-            e = exact[0]
-            self.result(True, "%s: output report %s (%d bytes, interface %s via %s) %s, %d time(s)"
-                        % (dev, e["data"], e["len"], e.get("iface"), e.get("via"),
-                           self.window_text, len(exact)))
-        else:
-            self.fail("%s: no output report %s (%d bytes) %s; saw %s"
-                      % (dev, want, len(want) // 2, self.window_text,
-                         [(e.get("iface"), e.get("data")) for e in outs] or "none"))
-        others = [e for e in outs if e.get("data", "").lower().startswith(want[:4])
-                  and e not in exact]
-        self.result(not others, "%s: no other output report beginning with %s%s"
-                    % (dev, want[:4], "" if not others else " (saw %s)"
-                       % [(e.get("data"), e.get("len")) for e in others]))
-
-    def check_no_out(self, dev, iface):
-        outs = self.dev_events(dev, "out_report")
-        if outs is None:
-            return
-        iface = int(iface, 0)
-        bad = [e for e in outs if e.get("iface") == iface]
-        elsewhere = [e for e in outs if e.get("iface") != iface]
-        note = ""
-        if elsewhere:
-            # e.g. usbhid's keyboard LED report on the boot keyboard interface
-            note = " (other interfaces: %s)" % [(e.get("iface"), e.get("via"), e.get("data"))
-                                                for e in elsewhere]
-        self.result(not bad, "%s: no output report on interface %d %s%s%s"
-                    % (dev, iface, self.window_text,
-                       "" if not bad else " (saw %s)" % [e.get("data") for e in bad], note))
-
-    def check_not_opened(self, dev, iface):
-        starts = self.dev_events(dev, "irq_start")
-        if starts is None:
-            return
-        iface = int(iface, 0)
-        bad = [e for e in starts if e.get("iface") == iface]
-        self.result(not bad, "%s: interface %d never polled (not opened) %s%s"
-                    % (dev, iface, self.window_text,
-                       "" if not bad else " (irq_start at seq %s)" % [e["seq"] for e in bad]))
-
-    def check_enumerated(self, dev):
-        ctl = self.dev_events(dev, "control")
-        if ctl is None:
-            return
-        strings = [e for e in ctl if self.setup_words(e)[:2] == ["80", "06"]
-                   and self.setup_words(e)[2].startswith("03")]
+    def enumerated(self, dev):
+        strings = self.of(dev, "control", lambda e: e["setup"].startswith("80 06 03"))
         self.result(bool(strings), "%s: string descriptors requested %s (%d requests)"
-                    % (dev, self.window_text, len(strings)))
+                    % (dev, self.where, len(strings)))
 
-    def read_status(self, name):
-        status = {}
-        try:
-            for line in open(os.path.join(self.run_dir, "out", name + ".status")):
-                k, _, v = line.strip().partition("=")
-                status[k] = v
-        except OSError as e:
-            self.fail("%s: no status file (%s)" % (name, e))
-            return None
-        return status
+    def out(self, dev, hexdata):
+        want = hexdata.lower().replace(" ", "")
+        outs = self.of(dev, "out_report")
+        exact = [e for e in outs if e["data"] == want]
+        self.result(bool(exact), "%s: output report %s %s, %d time(s)%s"
+                    % (dev, want, self.where, len(exact), "" if exact else "; saw %s"
+                       % [(e.get("iface"), e["data"]) for e in outs]))
+        others = [e["data"] for e in outs if e["data"].startswith(want[:4]) and e["data"] != want]
+        self.result(not others, "%s: no other output report beginning with %s%s"
+                    % (dev, want[:4], "" if not others else " (saw %s)" % others))
 
-    def check_app_clean(self, name):
-        out = os.path.join(self.run_dir, "out")
-        log_path = os.path.join(out, name + ".log")
+    def no_out(self, dev, iface):
+        # other interfaces may get some, e.g. usbhid's keyboard LED report
+        bad = self.of(dev, "out_report", lambda e: e.get("iface") == int(iface))
+        self.result(not bad, "%s: no output report on interface %s %s%s"
+                    % (dev, iface, self.where, "" if not bad else " (seq %s)" % [e["seq"] for e in bad]))
+
+    def not_opened(self, dev, iface):
+        bad = self.of(dev, "irq_start", lambda e: e.get("iface") == int(iface))
+        self.result(not bad, "%s: interface %s never polled (not opened) %s%s"
+                    % (dev, iface, self.where, "" if not bad else " (seq %s)" % [e["seq"] for e in bad]))
+
+    def read(self, *path):
         try:
-            text = open(log_path, errors="replace").read()
+            with open(os.path.join(self.run_dir, *path), errors="replace") as f:
+                return f.read()
         except OSError as e:
-            self.fail("%s: no output log (%s)" % (name, e))
-            text = None
-        if text is not None:
-            hits = [line for line in text.splitlines()
-                    if any(re.search(p, line) for p in CRASH_PATTERNS)]
-            self.result(not hits, "%s: no crash message in its output (%d lines)%s"
-                        % (name, len(text.splitlines()),
-                           "" if not hits else ": " + " | ".join(hits[:5])))
-        status = self.read_status(name)
-        if status is None:
-            return
-        self.result(status.get("alive_before_stop") == "1",
-                    "%s: still running when it was stopped" % name)
-        rc = status.get("exit_status")
+            self.result(False, "cannot read %s (%s)" % (os.path.join(*path), e))
+            return ""
+
+    def status(self, name):
+        text = self.read("out", name + ".status")
+        return dict(line.partition("=")[::2] for line in text.splitlines())
+
+    def app_clean(self, name):
+        lines = self.read("out", name + ".log").splitlines()
+        hits = [line for line in lines if CRASH.search(line)]
+        self.result(not hits, "%s: no crash message in its output (%d lines)%s"
+                    % (name, len(lines), "" if not hits else ": " + " | ".join(hits[:5])))
+        status = self.status(name)
+        self.result(status.get("alive_before_stop") == "1", "%s: still running when it was "
+                    "stopped" % name)
         # 143 = killed by the SIGTERM it was sent; 0 = it handled SIGTERM and quit
-        self.result(rc in ("0", "143"), "%s: ended by SIGTERM or with status 0 (status %s)"
-                    % (name, rc))
-        try:
-            dmesg = open(os.path.join(self.run_dir, "dmesg.txt"), errors="replace").read()
-        except OSError:
-            self.fail("no dmesg.txt in the run dir")
-            return
-        faults = [line for line in dmesg.splitlines()
+        self.result(status.get("exit_status") in ("0", "143"), "%s: ended by SIGTERM or with "
+                    "status 0 (status %s)" % (name, status.get("exit_status")))
+        faults = [line for line in self.read("dmesg.txt").splitlines()
                   if name in line and re.search(r"segfault|trap|general protection", line)]
         self.result(not faults, "%s: no fault in the guest kernel log%s"
                     % (name, "" if not faults else ": " + " | ".join(faults[:3])))
 
-    def check_stopped_within(self, name, seconds):
-        status = self.read_status(name)
-        if status is None:
-            return
-        took = status.get("stop_seconds")
+    def stopped_within(self, name, seconds):
+        took = self.status(name).get("stop_seconds", "nan")
+        self.result(float(took) <= float(seconds), "%s: ended %s s after SIGTERM (limit %s s)"
+                    % (name, took, seconds))
+
+
+def main(argv):
+    if len(argv) < 2:
+        sys.exit(__doc__)
+    c, args = Checker(argv[0]), argv[1:]
+    while args:
+        opt, values, args = args[0], args[1:1 + ARITY.get(args[0], 0)], args[1 + ARITY.get(args[0], 0):]
+        if opt not in ARITY or len(values) != ARITY[opt]:
+            c.result(False, "bad check %s %s" % (opt, values))
+            break
         try:
-            ok = float(took) <= float(seconds)
-        except (TypeError, ValueError):
-            ok = False
-        self.result(ok, "%s: ended %s s after SIGTERM (limit %s s)" % (name, took, seconds))
-
-
-class Ordered(argparse.Action):
-    def __call__(self, parser, ns, values, option_string=None):
-        ns.checks.append((self.dest, values))
-
-
-def main():
-    p = argparse.ArgumentParser(description="Checks an e2e run's events.jsonl.")
-    p.add_argument("run_dir")
-    p.add_argument("--window", nargs=2, metavar=("START_MARK", "STOP_MARK"))
-    p.set_defaults(checks=[])
-    for opt, n in (("--string-read", 2), ("--no-string-read", 2), ("--out", 2),
-                   ("--no-out", 2), ("--not-opened", 2), ("--enumerated", 1),
-                   ("--app-clean", 1), ("--stopped-within", 2)):
-        p.add_argument(opt, nargs=n, action=Ordered, default=argparse.SUPPRESS)
-    a = p.parse_args()
-    if not a.checks:
-        p.error("no check given")
-    c = Checker(a.run_dir, a.window)
-    run = {"string_read": c.check_string_read, "no_string_read": c.check_no_string_read,
-           "out": c.check_out, "no_out": c.check_no_out, "not_opened": c.check_not_opened,
-           "enumerated": c.check_enumerated, "app_clean": c.check_app_clean,
-           "stopped_within": c.check_stopped_within}
-    if c.window_ok:
-        for dest, values in a.checks:
-            run[dest](*values)
-    else:
-        # without the window, "nothing happened" checks would pass on the wrong events
-        c.fail("%d checks not run: the run has no such window" % len(a.checks))
-    print("check_events: %d passed, %d failed (%s)" % (c.passed, c.failed, a.run_dir))
+            ok = getattr(c, opt[2:].replace("-", "_"))(*values)
+        except (ValueError, KeyError) as e:
+            ok = c.result(False, "%s %s: %s" % (opt, " ".join(values), e))
+        if opt == "--window" and not ok:
+            # without the window, "nothing happened" checks would pass on the wrong events
+            c.result(False, "checks not run: the run has no such window")
+            break
+    print("check_events: %d passed, %d failed (%s)" % (c.passed, c.failed, argv[0]))
     return 0 if c.failed == 0 and c.passed > 0 else 1
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(sys.argv[1:]))
