@@ -32,7 +32,6 @@ struct State {
     unsigned openFailures = 0;
     size_t writeLimit = 0;
     std::vector<Node> nodes;
-    std::vector<NodeCall> order;
     int strayCalls = 0;
 };
 
@@ -112,7 +111,6 @@ int answer(int nodeIndex, unsigned long request, void *argument)
     Node &node = s.nodes[static_cast<size_t>(nodeIndex)];
     IoctlCall call;
     call.request = request;
-    s.order.push_back({nodeIndex, request});
     switch (request) {
     case UI_GET_VERSION:
         node.calls.push_back(call);
@@ -209,11 +207,6 @@ std::vector<IoctlCall> ioctls(int node)
 std::vector<size_t> writeSizes(int node)
 {
     return nodeAt(node).writes;
-}
-
-std::vector<NodeCall> callOrder()
-{
-    return state().order;
 }
 
 int strayCalls()

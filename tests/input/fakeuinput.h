@@ -19,11 +19,6 @@ struct IoctlCall {
     uinput_abs_setup absSetup{}; // UI_ABS_SETUP
 };
 
-struct NodeCall {
-    int node;
-    unsigned long request;
-};
-
 void start(const std::string &folder);
 void stop();
 
@@ -42,7 +37,6 @@ std::string nodePath(int node);
 int nodeOf(int fd); // -1 when fd is no node
 std::vector<IoctlCall> ioctls(int node);
 std::vector<size_t> writeSizes(int node);
-std::vector<NodeCall> callOrder();
 // Writes and ioctls on descriptors 0 or below while started.
 int strayCalls();
 

@@ -155,19 +155,6 @@ std::string absSetup(int code, int minimum, int maximum, int resolution)
            " max=" + std::to_string(maximum) + " fuzz=0 flat=0 res=" + std::to_string(resolution);
 }
 
-std::vector<std::string> bitRange(const char *kind, int first, int last)
-{
-    std::vector<std::string> result;
-    for (int bit = first; bit <= last; ++bit)
-        result.push_back(std::string(kind) + " " + std::to_string(bit));
-    return result;
-}
-
-void append(std::vector<std::string> &to, const std::vector<std::string> &more)
-{
-    to.insert(to.end(), more.begin(), more.end());
-}
-
 bool sameTime(const std::vector<input_event> &events)
 {
     for (const input_event &event : events) {

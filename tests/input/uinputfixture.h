@@ -63,7 +63,4 @@ private:
 
 // UI_ABS_SETUP as calls() describes it.
 std::string absSetup(int code, int minimum, int maximum, int resolution);
-// One line per bit, first to last inclusive, as calls() describes them.
-std::vector<std::string> bitRange(const char *kind, int first, int last);
-void append(std::vector<std::string> &to, const std::vector<std::string> &more);
 bool sameTime(const std::vector<input_event> &events);
