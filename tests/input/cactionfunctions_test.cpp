@@ -16,6 +16,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <fstream>
+#include <libevdev/libevdev.h>
+#include <sstream>
 #include <tuple>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -36,32 +39,6 @@ struct RecordedTips : CTipSink {
 using Texts = std::vector<std::string>;
 using IntMsgs = std::vector<std::pair<int, int>>;
 using TextMsgs = std::vector<std::pair<int, std::string>>;
-
-constexpr uint8_t kHover = 0xA0;
-constexpr uint8_t kTouch = 0xA1;
-constexpr uint8_t kEraserTouch = 0xA9;
-
-std::vector<Ev> taps(const std::vector<int> &codes, bool pressed)
-{
-    std::vector<Ev> result;
-    for (int code : codes)
-        result.push_back({EV_KEY, static_cast<uint16_t>(code), pressed});
-    return result;
-}
-
-std::vector<Ev> operator+(std::vector<Ev> a, const std::vector<Ev> &b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-std::vector<Ev> tap(const std::vector<int> &codes)
-{
-    return taps(codes, true) + taps(codes, false);
-}
-
-const Ev kWheelUp{EV_REL, REL_WHEEL, 1};
-const Ev kWheelDown{EV_REL, REL_WHEEL, -1};
 
 class Functions : public UinputTest
 {
@@ -211,54 +188,167 @@ protected:
     size_t m_seen[2] = {0, 0};
 };
 
-TEST_F(Functions, FunctionStrings)
+// Runs cactionfunctions_cases.txt: a case lists "> command" lines, each followed by what it
+// gives: events ("EV_KEY KEY_C 1"; no tool, touch, axis or frame events), then "tip TEXT",
+// "msg ID VALUE", "text ID VALUE". "compare:" names the kinds a case checks.
+struct Script {
+    std::string name;
+    std::string compared;
+    std::vector<std::pair<std::string, std::vector<std::string>>> steps;
+};
+
+void PrintTo(const Script &script, std::ostream *out)
 {
-    struct Case {
-        const char *function;
-        bool pressed;
-        std::vector<Ev> out;
-        Texts tips;
-        IntMsgs ints;
-    };
-    const Case cases[] = {
-        {"1|Copy|Ctrl+C|29:37+46:54", true, taps({29, 46}, true), {"Copy"}, {}},
-        {"1|Copy|Ctrl+C|29:37+46:54", false, taps({29, 46}, false), {}, {}},
-        {"1|ab|a,b|30:38,48:56", true, tap({30}) + tap({48}), {"ab"}, {}},
-        {"1|ab|a,b|30:38,48:56", false, {}, {}, {}},
-        // tokens without one colon are skipped, numbers that do not parse are 0, and codes
-        // beyond 16 bits are not sent
-        {"1|Ä名|k|29:37+46+1:2:3+x:y+99999999999:1+65566:1",
-         true,
-         taps({29, 0, 0}, true),
-         {"Ä名"},
-         {}},
-        {"1|empty|k|", true, {}, {}, {}},
-        {"1|three|29:37", true, {}, {"three"}, {}},
-        {"0|four|a|29:37", true, {}, {"four"}, {}},
-        {"7|other|x", true, {}, {"other"}, {}},
-        {"1|five|a|29:37|x", true, {}, {}, {}},
-        {"4|ring|a|b|29:37|30:38", true, {}, {}, {}},
-        {"1|two", true, {}, {}, {}},
-        {"", true, {}, {}, {}},
-        {"3|Settings|1", true, {}, {"Settings"}, {{kMsgShowDriver, 1}}},
-        {"3|Settings|1", false, {}, {}, {}},
-        {"3|Mapping|2", true, {}, {"Mapping"}, {{kMsgScreenMapping, 0}}},
-        {"3|Switch|3", true, {}, {"Eraser"}, {{kMsgPenEraser, 1}}},
-        {"3|Fine|4", true, {}, {}, {{kMsgFineMode, 0}}},
-        {"3|Pad|7", true, {}, {"Pad"}, {{kMsgTrackPad, 0}}},
-        {"3|BE|9", true, tap({48}), {"[B]"}, {}},
-        {"3|none|99999", true, {}, {"none"}, {}},
-        {"3|empty|", true, {}, {}, {}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.function << " " << c.pressed);
-        run(c.function, c.pressed);
-        EXPECT_EQ(output(), c.out);
-        EXPECT_EQ(tips(), c.tips);
-        EXPECT_EQ(intMsgs(), c.ints);
-        EXPECT_EQ(textMsgs(), TextMsgs{});
+    *out << script.name;
+}
+
+std::vector<Script> readScripts()
+{
+    std::vector<Script> scripts;
+    std::ifstream in(CACTION_CASES);
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        if (line.rfind("case ", 0) == 0)
+            scripts.push_back({line.substr(5), "events tips msgs texts", {}});
+        else if (line.rfind("compare: ", 0) == 0)
+            scripts.back().compared = line.substr(9);
+        else if (line.rfind("> ", 0) == 0)
+            scripts.back().steps.push_back({line.substr(2), {}});
+        else
+            scripts.back().steps.back().second.push_back(line);
+    }
+    return scripts;
+}
+
+class Scripted : public Functions, public ::testing::WithParamInterface<Script>
+{
+protected:
+    // Sets a field of the settings or calls the engine, as the command says.
+    void command(const std::string &line)
+    {
+        std::istringstream in(line);
+        std::string verb, text;
+        int a = 0, b = 0, c = 0, d = 0, e = 0;
+        in >> verb >> a;
+        const auto rest = [&in]() {
+            std::string text;
+            std::getline(in >> std::ws, text);
+            return text;
+        };
+        if (verb == "func") {
+            run(QByteArray::fromStdString(rest()), a);
+        } else if (verb == "library") {
+            in >> b;
+            m_action->ActionLibrary(a, b, 0);
+        } else if (verb == "keys") {
+            std::vector<int> numbers;
+            while (in >> b)
+                numbers.push_back(b);
+            TabletDataEX data{};
+            data.eventFlags = kEventKeys;
+            for (int number : numbers) {
+                data.keys.current[number - 1] = a;
+                data.keys.previous[number - 1] = !a;
+            }
+            report(data);
+        } else if (verb == "wheel") {
+            in >> b;
+            wheel(a, b);
+        } else if (verb == "pen") {
+            in >> b >> c >> d;
+            penButtons(a, b, c, d);
+        } else if (verb == "bekey") {
+            in >> b;
+            m_action->ChangeBEKey(a, b);
+        } else if (verb == "pressbe") {
+            m_action->PressBEKey(a);
+        } else if (verb == "group") {
+            m_action->ChangeKeyFunctions(a);
+        } else if (verb == "key" || verb == "groupkey") {
+            in >> b >> c >> d;
+            if (verb == "groupkey")
+                in >> e;
+            stKeyConfig &key = verb == "key" ? common().Key[a] : common().KeyGroup[a].Key[b];
+            key = verb == "key" ? stKeyConfig{int16_t(b), {}, 1, int16_t(c), int16_t(d)}
+                                : stKeyConfig{int16_t(c), {}, 1, int16_t(d), int16_t(e)};
+            std::strcpy(key.func, rest().c_str());
+        } else if (verb == "enable") {
+            in >> b;
+            common().KeyGroup[a].bEnable = b;
+        } else if (verb == "select") {
+            common().SelectID = a;
+        } else if (verb == "forget") {
+            forget();
+        } else if (verb == "selected") {
+            m_selected.push_back("select " + std::to_string(common().SelectID));
+        } else if (verb == "groups") {
+            m_settings->SupportGroupKeys = a;
+        } else if (verb == "ring") {
+            in >> b >> c >> d;
+            common().Ring[a] = {};
+            common().Ring[a].type = b;
+            common().Ring[a].id = c;
+            common().Ring[a].mode = d;
+        } else if (verb == "ringitem") {
+            in >> b >> c;
+            common().Ring[a].Item[b].id = c;
+            std::strcpy(common().Ring[a].Item[b].func, rest().c_str());
+        } else if (verb == "penbtn") {
+            in >> b >> c;
+            common().Pen[a].PenBtn[b].Actid = c;
+        } else {
+            ADD_FAILURE() << "unknown command: " << line;
+        }
+    }
+
+    std::vector<std::string> m_selected;
+
+    std::vector<std::string> given(const std::string &compared)
+    {
+        std::vector<std::string> lines;
+        lines.swap(m_selected);
+        for (const Ev &event : output()) {
+            const char *name = libevdev_event_code_get_name(event.type, event.code);
+            lines.push_back(std::string(event.type == EV_KEY ? "EV_KEY " : "EV_REL ") +
+                            (name ? name : std::to_string(event.code)) + " " +
+                            std::to_string(event.value));
+        }
+        for (const std::string &tip : tips())
+            lines.push_back("tip " + tip);
+        for (const auto &[id, value] : intMsgs())
+            lines.push_back("msg " + std::to_string(id) + " " + std::to_string(value));
+        for (const auto &[id, value] : textMsgs())
+            lines.push_back("text " + std::to_string(id) + " " + value);
+        const std::string kinds[] = {"EV_", "tip ", "msg ", "text "};
+        const std::string words[] = {"events", "tips", "msgs", "texts"};
+        for (int kind = 0; kind < 4; ++kind) {
+            if (compared.find(words[kind]) != std::string::npos)
+                continue;
+            lines.erase(
+                std::remove_if(lines.begin(), lines.end(),
+                               [&](const std::string &l) { return l.rfind(kinds[kind], 0) == 0; }),
+                lines.end());
+        }
+        return lines;
+    }
+};
+
+// A command without lines after it adds what it gives to the next one's; "-" is nothing.
+TEST_P(Scripted, Steps)
+{
+    for (const auto &[line, expected] : GetParam().steps) {
+        command(line);
+        if (expected.empty())
+            continue;
+        const bool nothing = expected == std::vector<std::string>{"-"};
+        EXPECT_EQ(given(GetParam().compared), nothing ? std::vector<std::string>{} : expected)
+            << line;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Cases, Scripted, ::testing::ValuesIn(readScripts()),
+                         [](const auto &info) { return info.param.name; });
 
 TEST_F(Functions, FieldWithoutNulIsReadToItsEndOnly)
 {
@@ -271,139 +361,6 @@ TEST_F(Functions, FieldWithoutNulIsReadToItsEndOnly)
     // The field's 1024 bytes hold 169 tokens and "30:3"; the rest, "8+48:56", is not read.
     m_action->ParseCustomFunction(field, true, 0);
     EXPECT_EQ(output(), std::vector<Ev>(170, Ev{EV_KEY, 30, 1}));
-}
-
-// Form 0 holds its ids in order and lets them go in reverse, 10 ms apart.
-TEST_F(Functions, ModifierAndMouseIds)
-{
-    run("0|Drag|4+6", true);
-    EXPECT_EQ(output(), (std::vector<Ev>{{EV_KEY, KEY_LEFTCTRL, 1}, {EV_KEY, BTN_LEFT, 1}}));
-    EXPECT_EQ(tips(), Texts{"Drag"});
-    run("0|Drag|4+6", false);
-    EXPECT_EQ(output(), (std::vector<Ev>{{EV_KEY, BTN_LEFT, 0}, {EV_KEY, KEY_LEFTCTRL, 0}}));
-    EXPECT_EQ(tips(), Texts{});
-}
-
-// The first id of a dispatch turns the wheel one step more, whatever id comes first.
-TEST_F(Functions, FirstWheelIdOfADispatchStepsTwice)
-{
-    const std::pair<const char *, std::vector<Ev>> cases[] = {
-        {"0|w|10+11", {kWheelUp, kWheelUp, kWheelDown}},
-        {"0|w|11", {kWheelDown, kWheelDown}},
-        {"0|w|1+10", {{EV_KEY, KEY_LEFTSHIFT, 1}, kWheelUp}},
-    };
-    common().Key[0] = {1, {}, 1, 0, 1};
-    for (const auto &[function, out] : cases) {
-        std::strcpy(common().Key[0].func, function);
-        keys({1}, true);
-        EXPECT_EQ(output(), out) << function;
-    }
-    run("0|w|10", true);
-    EXPECT_EQ(output(), std::vector<Ev>{kWheelUp});
-}
-
-// Keys go down in the listed order and come up in the same order.
-TEST_F(Functions, ActionLibraryKeys)
-{
-    const std::pair<int, std::vector<int>> cases[] = {
-        {1, {48}},          {2, {18}},
-        {3, {56}},          {4, {57}},
-        {5, {29, 31}},      {6, {29, 44}},
-        {7, {29, 56, 44}},  {8, {29, 42, 44}},
-        {9, {47}},          {10, {38}},
-        {11, {29, 24}},     {12, {29, 49}},
-        {13, {29, 42, 49}}, {14, {29, 18}},
-        {15, {33}},         {16, {32}},
-        {17, {45}},         {18, {29, 111}},
-        {19, {29, 46}},     {20, {29, 47}},
-        {21, {29, 13}},     {22, {29, 12}},
-        {23, {15}},         {24, {63}},
-        {25, {26}},         {26, {27}},
-        {201, {42}},        {202, {56}},
-        {203, {100}},       {204, {29}},
-        {205, {57}},        {206, {BTN_LEFT}},
-        {207, {BTN_RIGHT}}, {208, {BTN_MIDDLE, BTN_STYLUS}},
-    };
-    for (const auto &[id, codes] : cases) {
-        m_action->ActionLibrary(id, true, 0);
-        EXPECT_EQ(output(), taps(codes, true)) << id;
-        m_action->ActionLibrary(id, false, 0);
-        EXPECT_EQ(output(), taps(codes, false)) << id;
-    }
-}
-
-// Acts on the press only, unless the output on release says otherwise.
-TEST_F(Functions, ActionLibraryCommands)
-{
-    struct Case {
-        int id;
-        std::vector<Ev> press, release;
-        IntMsgs ints;
-        TextMsgs texts;
-    };
-    std::vector<Case> cases = {
-        {kActionDoubleClick, tap({BTN_LEFT}) + tap({BTN_LEFT}), {}, {}, {}},
-        {kActionWheelUp, {kWheelUp}, {}, {}, {}},
-        {kActionWheelDown, {kWheelDown}, {}, {}, {}},
-        {kActionShowDriver, {}, {}, {{kMsgShowDriver, 1}}, {}},
-        {kActionScreenMapping, {}, {}, {{kMsgScreenMapping, 0}}, {}},
-        {kActionPenEraser, {}, {}, {{kMsgPenEraser, 1}}, {}},
-        {kActionFineMode, {}, {}, {{kMsgFineMode, 0}}, {}},
-        {kActionRing1, {}, {}, {}, {{kMsgRingFunctions, "common"}}},
-        {kActionRing2, {}, {}, {}, {{kMsgRingFunctions + 1, "common"}}},
-        {kActionTrackPad, {}, {}, {{kMsgTrackPad, 0}}, {}},
-        {kActionPressBE, tap({48}), tap({18}), {}, {}},
-        {kActionKeyGroup, {}, {}, {}, {{kMsgKeyGroup, "common"}}},
-        {kActionKeyPreview, {}, {}, {}, {{kMsgKeyPreview, "common"}}},
-    };
-    for (int id : {-1, 0, 27, 100, 108, 112, 200, 212, 1000})
-        cases.push_back({id, {}, {}, {}, {}});
-    keys({}, true); // a report sets the current config
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.id);
-        m_action->ActionLibrary(c.id, true, 0);
-        EXPECT_EQ(output(), c.press);
-        m_action->ActionLibrary(c.id, false, 0);
-        EXPECT_EQ(output(), c.release);
-        EXPECT_EQ(intMsgs(), c.ints);
-        EXPECT_EQ(textMsgs(), c.texts);
-    }
-}
-
-TEST_F(Functions, PenEraserSwitchAndToggle)
-{
-    m_action->ChangeBEKey(true, false);
-    m_action->ChangeBEKey(false, false);
-    m_action->ChangeBEKey(true, false);
-    m_action->ChangeBEKey(true, true);
-    EXPECT_EQ(intMsgs(), (IntMsgs{{kMsgPenEraser, 1}, {kMsgPenEraser, 0}}));
-    EXPECT_EQ(tips(), (Texts{"Eraser", "Pen"}));
-    for (bool pressed : {true, false, true, false})
-        m_action->PressBEKey(pressed);
-    EXPECT_EQ(output(), tap({48}) + tap({18}) + tap({18}) + tap({48}));
-    EXPECT_EQ(tips(), (Texts{"[B]", "[E]", "[E]", "[B]"}));
-}
-
-TEST_F(Functions, NextKeyGroupSkipsDisabledGroups)
-{
-    struct Case {
-        std::array<uint8_t, 4> enabled;
-        int16_t from, to;
-    };
-    const Case cases[] = {
-        {{1, 0, 1, 0}, 0, 2}, {{1, 0, 1, 0}, 2, 0}, {{0, 0, 0, 0}, 1, 1},
-        {{0, 1, 0, 0}, 1, 1}, {{0, 0, 0, 1}, 7, 3},
-    };
-    keys({}, true);
-    for (const Case &c : cases) {
-        for (int group = 0; group < 4; ++group)
-            common().KeyGroup[group].bEnable = c.enabled[group];
-        common().SelectID = c.from;
-        m_action->ChangeKeyFunctions(true);
-        m_action->ChangeKeyFunctions(false);
-        EXPECT_EQ(common().SelectID, c.to) << c.from;
-        EXPECT_EQ(textMsgs(), (TextMsgs{{kMsgKeyGroup, "common"}}));
-    }
 }
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
@@ -501,27 +458,6 @@ TEST_F(Functions, KeyIndexFollowsRotation)
         EXPECT_NE(std::find(lines.begin(), lines.end(), LogLine{QtDebugMsg, line}), lines.end());
 }
 
-// Group 0 taps B, group 1 is off, group 2 taps E; each on key 1.
-TEST_F(Functions, KeyGroups)
-{
-    m_settings->SupportGroupKeys = 1;
-    for (int group : {0, 1, 2}) {
-        common().KeyGroup[group].bEnable = group != 1;
-        common().KeyGroup[group].Key[0] = {0, {}, 1, static_cast<int16_t>(group ? 2 : 1), 1};
-    }
-    common().SelectID = 1;
-    keys({1}, true);
-    keys({1}, false);
-    EXPECT_EQ(output(), std::vector<Ev>{});
-    EXPECT_EQ(textMsgs(), TextMsgs{});
-    common().SelectID = 0;
-    keys({1}, true);
-    common().SelectID = 2;
-    keys({1}, false);
-    EXPECT_EQ(output(), taps({48}, 1) + taps({18}, 0));
-    EXPECT_EQ(tips(), Texts{"A1"});
-}
-
 TEST_F(Functions, KeyTipsAndUsageRecords)
 {
     common().Key[0] = {0, {}, 1, kActionKeyPreview, 1};
@@ -553,72 +489,9 @@ TEST_F(Functions, KeyTipsAndUsageRecords)
         std::count_if(texts.begin(), texts.end(), [](auto &m) { return m.first == kMsgUsage; }), 6);
 }
 
-// Button 0 taps V, 1 taps B, 2 taps E.
-TEST_F(Functions, PenButtons)
+TEST_F(Functions, RingUsageRecord)
 {
-    struct Case {
-        uint8_t status, mask, state;
-        std::vector<Ev> out;
-    };
-    const Case cases[] = {
-        {kTouch, 3, 1, taps({48}, 1)},
-        {kEraserTouch, 3, 1, taps({47, 48}, 1)},
-        {kHover, 4, 0, taps({18}, 0)},
-        {kHover, 1, 1, {}},
-    };
-    for (int button = 0; button < 3; ++button)
-        common().Pen[0].PenBtn[button].Actid = static_cast<int16_t>(button == 0 ? 9 : button);
-    for (const Case &c : cases) {
-        penButtons(c.status, c.mask, c.state);
-        EXPECT_EQ(output(), c.out) << int(c.status) << " " << int(c.mask);
-    }
-    forget();
-    const std::pair<int16_t, Texts> tipCases[] = {
-        {1, {"A1"}}, {27, {}}, {127, {}}, {kActionPenEraser, {"Eraser"}}, {72, {"A72"}}};
-    for (const auto &[id, expected] : tipCases) {
-        common().Pen[7].PenBtn[1].Actid = id;
-        penButtons(kHover, 2, 1, 7);
-        EXPECT_EQ(tips(), expected) << id;
-    }
-    EXPECT_EQ(textMsgs().back(), (std::pair<int, std::string>{
-                                     kMsgUsage, "\"DoPenBtnAction\":{\"custom\":\"\",\"id\":\"0\","
-                                                "\"curapp\":\"common\",\"PenID\":\"7\","
-                                                "\"PenKeyState\":\"1\"}"}));
-}
-
-TEST_F(Functions, RingKinds)
-{
-    struct Case {
-        short wheel;
-        int16_t type, item;
-        short direction;
-        std::vector<Ev> out;
-        Texts tips;
-    };
-    const Case cases[] = {
-        {0, 0, 0, 1, tap({29, 13}), {"R1"}},
-        {0, 0, 0, -1, tap({29, 12}), {"R1"}},
-        {0, 0, 1, 1, {kWheelUp}, {"R2"}},
-        {0, 0, 2, -1, tap({27}), {"R3"}},
-        {1, 0, 0, 1, taps({56, 183}, 1) + taps({56, 56}, 0), {"R4"}},
-        {1, 0, 0, -1, taps({56, 184}, 1) + taps({56, 184}, 0), {"R4"}},
-        {0, 1, 1, 1, tap({26}), {"R3"}},
-        {1, 1, 2, 1, {kWheelUp}, {"R2"}},
-        {0, 3, 3, -1, tap({29, 12}), {"R1"}},
-        {0, 3, 0, 1, {kWheelUp}, {"R2"}},
-        {1, 3, 0, 1, tap({29, 13}), {}}, // t = 4 takes the item as the kind, with no tip
-        {0, 0, 0, 2, {}, {"R1"}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.wheel << " " << c.type << " " << c.item);
-        common().Ring[c.wheel].type = c.type;
-        common().Ring[c.wheel].id = c.item;
-        wheel(c.wheel, c.direction);
-        EXPECT_EQ(output(), c.out);
-        EXPECT_EQ(tips(), c.tips);
-    }
     common().Ring[0].mode = 1;
-    common().Ring[0].id = 0;
     wheel(0, 1);
     EXPECT_EQ(tips(), Texts{});
     EXPECT_EQ(textMsgs().back(), (std::pair<int, std::string>{
@@ -636,21 +509,6 @@ TEST_F(Functions, SlowRingsShareOneRateLimit)
         wheel(step, 1);
         EXPECT_EQ(textMsgs().size(), step == 1 ? 1u : 0u) << step;
     }
-}
-
-TEST_F(Functions, CustomRingFunctions)
-{
-    std::strcpy(common().Ring[1].Item[0].func, "4|Brush|a|b||48:56");
-    common().Ring[1].Item[0].id = 2;
-    wheel(1, -1);
-    EXPECT_EQ(output(), std::vector<Ev>{});
-    wheel(1, 1);
-    EXPECT_EQ(output(), tap({48}));
-    EXPECT_EQ(tips(), Texts{"Brush"});
-    std::strcpy(common().Ring[1].Item[0].func, "1|Brush|b|48:56");
-    wheel(1, 1);
-    EXPECT_EQ(output(), std::vector<Ev>{});
-    EXPECT_EQ(textMsgs().size(), 3u);
 }
 
 } // namespace
