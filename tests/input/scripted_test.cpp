@@ -1,0 +1,523 @@
+#include "actionids.h"
+#include "caction.h"
+#include "cglobaldata.h"
+#include "ctipsink.h"
+#include "deviceattributes.h"
+#include "tabletdata.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <libevdev/libevdev.h>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <sys/mman.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+// Runs the case files: a case lists "> command" lines, each followed by what it gives, in
+// this order: device frames ("pen EV_KEY BTN_TOOL_PEN 1", device by device) or events
+// ("EV_KEY KEY_C 1": keys, buttons and wheel steps of every device in write order), what the
+// command shows, "tip TEXT", "msg ID VALUE", "text ID VALUE", "log I|D TEXT". "compare:" names
+// the kinds a case checks. A command without lines after it adds what it gives to the next
+// one's; "-" is nothing. The devices are memory files that the driver's write hook watches.
+namespace
+{
+
+const char *const kDevices[] = {"pen", "mouse", "eraser", "unknown"};
+
+struct Script {
+    std::string name;
+    std::string compared;
+    bool driverCalls; // commands call MyInput itself, not the engine
+    std::vector<std::pair<std::string, std::vector<std::string>>> steps;
+};
+
+void PrintTo(const Script &script, std::ostream *out)
+{
+    *out << script.name;
+}
+
+std::vector<Script> readScripts(const char *path, const std::string &compared, bool driverCalls)
+{
+    std::vector<Script> scripts;
+    std::ifstream in(path);
+    if (!in) // a case that fails, naming the file
+        scripts.push_back({"NoCases", "", false, {{std::string("read ") + path, {"-"}}}});
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        if (line.rfind("case ", 0) == 0)
+            scripts.push_back({line.substr(5), compared, driverCalls, {}});
+        else if (line.rfind("compare: ", 0) == 0)
+            scripts.back().compared = line.substr(9);
+        else if (line.rfind("> ", 0) == 0)
+            scripts.back().steps.push_back({line.substr(2), {}});
+        else
+            scripts.back().steps.back().second.push_back(line);
+    }
+    return scripts;
+}
+
+std::vector<std::string> &logLines()
+{
+    static std::vector<std::string> lines;
+    return lines;
+}
+
+void captureLog(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    logLines().push_back(std::string(type == QtInfoMsg ? "log I " : "log D ") + text.toStdString());
+}
+
+std::string describe(const input_event &event)
+{
+    const char *type = libevdev_event_type_get_name(event.type);
+    const char *code = libevdev_event_code_get_name(event.type, event.code);
+    return (type ? type : std::to_string(event.type)) + " " +
+           (code ? code : std::to_string(event.code)) + " " + std::to_string(event.value);
+}
+
+struct RecordedTips : CTipSink {
+    void EmitInfo(QString text) override { texts.push_back(text.toStdString()); }
+    void EmitRingLrcInfo(QStringList, int) override {}
+    std::vector<std::string> texts;
+};
+
+// Language texts: "Actions.n" is "An", "TR.Item.n" is "Rn"; the config's path is "common",
+// and the engine posts as device 3.
+class Engine : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_folder.isValid());
+        logLines().clear();
+        m_previousHandler = qInstallMessageHandler(captureLog);
+        for (int &fd : m_fds)
+            fd = memfd_create("device", 0);
+        attach(CGlobalData::MyInputDriver);
+        attach(m_input);
+        gettimeofday(&m_start, nullptr);
+        auto *language = new QSettings(m_folder.filePath("language.ini"), QSettings::IniFormat);
+        for (int id = 0; id <= 212; ++id)
+            language->setValue(QStringLiteral("Actions.%1").arg(id), QStringLiteral("A%1").arg(id));
+        for (int item = 1; item <= 4; ++item)
+            language->setValue(QStringLiteral("TR.Item.%1").arg(item),
+                               QStringLiteral("R%1").arg(item));
+        CGlobalData::Language_Config = language;
+        CGlobalData::Show_Info = &m_tip;
+        m_action.setDeviceIndex(3);
+        std::strcpy(common().path, "common");
+    }
+
+    void TearDown() override
+    {
+        for (int device = 0; device < 3; ++device)
+            EXPECT_EQ(lseek(m_fds[device], 0, SEEK_CUR), m_hooked[device]) << kDevices[device];
+        for (MyInput *input : {&CGlobalData::MyInputDriver, &m_input}) {
+            input->AttachDevices(0, 0, 0);
+            input->SetWriteHook(nullptr, nullptr);
+        }
+        for (int fd : m_fds)
+            close(fd);
+        CGlobalData::Show_Info = nullptr;
+        delete CGlobalData::Language_Config;
+        CGlobalData::Language_Config = nullptr;
+        qInstallMessageHandler(m_previousHandler);
+    }
+
+    // A device that failed to open has descriptor 0.
+    void attach(MyInput &input, int failed = -1)
+    {
+        input.AttachDevices(failed == 0 ? 0 : m_fds[0], m_fds[1], failed == 2 ? 0 : m_fds[2]);
+        input.SetWriteHook(&Engine::onWrite, this);
+    }
+
+    // Every write is one whole report with one time, taken when it is written, or none.
+    static void onWrite(void *context, int fd, const input_event *events, int count)
+    {
+        Engine &self = *static_cast<Engine *>(context);
+        const int device = static_cast<int>(std::find(self.m_fds, self.m_fds + 3, fd) - self.m_fds);
+        const timeval time{events[0].input_event_sec, events[0].input_event_usec};
+        const bool zero = time.tv_sec == 0 && time.tv_usec == 0;
+        self.m_zeroTime |= zero;
+        EXPECT_TRUE(zero || time.tv_sec >= self.m_start.tv_sec);
+        EXPECT_EQ(events[count - 1].type, EV_SYN);
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(events[i].input_event_usec, time.tv_usec);
+            self.m_written.push_back({device, events[i]});
+        }
+        if (device < 3)
+            self.m_hooked[device] += count * sizeof(input_event);
+    }
+
+    _stAppConfigNode &common() { return m_settings->CommonAPP; }
+
+    _MultiData report(TabletDataEX &data)
+    {
+        return m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
+    }
+
+    _MultiData keys(std::initializer_list<int> numbers, bool down)
+    {
+        TabletDataEX data{};
+        data.eventFlags = kEventKeys;
+        for (int number : numbers) {
+            data.keys.current[number - 1] = down;
+            data.keys.previous[number - 1] = !down;
+        }
+        return report(data);
+    }
+
+    void wheel(short index, short direction)
+    {
+        TabletDataEX data{};
+        data.eventFlags = kEventWheel;
+        data.wheelIndex = index;
+        data.wheelDirection = direction;
+        report(data);
+    }
+
+    // The kinds named in compared, of what was given since the last call.
+    std::vector<std::string> given(const std::string &compared)
+    {
+        const auto wants = [&compared](const char *kind) {
+            return compared.find(kind) != std::string::npos;
+        };
+        std::vector<std::string> lines;
+        for (int device = 0; device < 4 && wants("frames"); ++device) {
+            for (const auto &[written, event] : m_written) {
+                if (written == device)
+                    lines.push_back(std::string(kDevices[device]) + " " + describe(event));
+            }
+        }
+        for (const auto &[device, event] : m_written) {
+            const bool toolBit = event.code == BTN_TOOL_PEN || event.code == BTN_TOUCH ||
+                                 event.code == BTN_TOOL_RUBBER;
+            if (wants("events") && (event.type == EV_REL || (event.type == EV_KEY && !toolBit)))
+                lines.push_back(describe(event));
+        }
+        if (m_zeroTime && wants("frames"))
+            lines.push_back("zero-time");
+        lines.insert(lines.end(), m_shown.begin(), m_shown.end());
+        for (const std::string &tip : m_tip.texts)
+            lines.push_back("tip " + tip);
+        for (const QList<QVariant> &call : m_ints) {
+            EXPECT_EQ(call[0].toInt(), 3);
+            lines.push_back("msg " + call[1].toString().toStdString() + " " +
+                            call[2].toString().toStdString());
+        }
+        for (const QList<QVariant> &call : m_texts) {
+            EXPECT_EQ(call[0].toInt(), 3);
+            lines.push_back("text " + call[1].toString().toStdString() + " " +
+                            call[2].toString().toStdString());
+        }
+        if (wants("logs"))
+            lines.insert(lines.end(), logLines().begin(), logLines().end());
+        const char *const kinds[] = {"tip ", "msg ", "text "};
+        const char *const words[] = {"tips", "msgs", "texts"};
+        for (int kind = 0; kind < 3; ++kind) {
+            if (!wants(words[kind]))
+                lines.erase(std::remove_if(
+                                lines.begin(), lines.end(),
+                                [&](const std::string &l) { return l.rfind(kinds[kind], 0) == 0; }),
+                            lines.end());
+        }
+        m_written.clear();
+        m_zeroTime = false;
+        m_shown.clear();
+        m_tip.texts.clear();
+        m_ints.clear();
+        m_texts.clear();
+        if (wants("logs"))
+            logLines().clear();
+        return lines;
+    }
+
+    QTemporaryDir m_folder;
+    QtMessageHandler m_previousHandler = nullptr;
+    int m_fds[3] = {};
+    size_t m_hooked[3] = {};
+    std::vector<std::pair<int, input_event>> m_written;
+    bool m_zeroTime = false;
+    timeval m_start{};
+    std::vector<std::string> m_shown;
+    MyInput m_input;
+    RecordedTips m_tip;
+    CAction m_action;
+    QSignalSpy m_ints{&m_action, qOverload<int, int, int>(&CAction::PostActionMsg)};
+    QSignalSpy m_texts{&m_action, qOverload<int, int, QString>(&CAction::PostActionMsg)};
+    std::unique_ptr<stTablet_XMLData> m_settings = std::make_unique<stTablet_XMLData>();
+    _DEVICE_ATTRIBUTES m_device{};
+    QMap<QString, _stAppConfigNode *> m_apps;
+};
+
+class Scripted : public Engine, public ::testing::WithParamInterface<Script>
+{
+protected:
+    void driverCall(const std::string &line)
+    {
+        std::istringstream in(line);
+        std::string verb, text;
+        int a = 0, b = 0, c = 0, d = 0, e = 0, f = 0;
+        in >> verb;
+        if (verb == "digit") {
+            in >> text >> a >> b >> c >> d >> e >> f;
+            m_input.UpdateDigit(std::stoi(text, nullptr, 16), a, b, c, d, e, f);
+        } else if (verb == "rel") {
+            in >> a >> b >> c;
+            m_input.UpdateRelMouse(a, b, c);
+        } else if (verb == "wheel") {
+            in >> text >> a;
+            const int fd = text == "pen" ? m_input.absFd() : text == "mouse" ? m_input.relFd() : 0;
+            m_input.UpdateWheelRel(fd, a);
+        } else if (verb == "key") {
+            in >> a >> b;
+            m_input.KeyEvent(a, b);
+        } else if (verb == "mouse") {
+            in >> a >> b >> c;
+            m_input.DoMouseFunc(a, b, c);
+        } else if (verb == "library") {
+            in >> a >> b;
+            m_input.ActionLibrary(a, b);
+        } else if (verb == "ring") {
+            in >> a >> b;
+            m_input.RingActionLibrary(a, b);
+        } else if (verb == "fail") {
+            in >> text;
+            attach(m_input, text == "pen" ? 0 : 2);
+        } else if (verb == "last") {
+            m_shown.push_back("last " + std::to_string(m_input.lastDevice()));
+        } else {
+            ADD_FAILURE() << "unknown call: " << line;
+        }
+    }
+
+    // Sets a field of the settings or calls the engine, as the command says.
+    void command(const std::string &line)
+    {
+        std::istringstream in(line);
+        std::string verb, text;
+        int a = 0, b = 0, c = 0, d = 0, e = 0;
+        in >> verb;
+        const std::streampos start = in.tellg();
+        if (!(in >> a)) { // the command's first word is no number
+            in.clear();
+            in.seekg(start);
+        }
+        const auto rest = [&in]() {
+            std::string text;
+            std::getline(in >> std::ws, text);
+            return text;
+        };
+        if (verb == "func") {
+            m_action.ParseCustomFunction(QByteArray::fromStdString(rest()).data(), a, 0);
+        } else if (verb == "library") {
+            in >> b;
+            m_action.ActionLibrary(a, b, 0);
+        } else if (verb == "keys" || verb == "keyindex") {
+            TabletDataEX data{};
+            data.eventFlags = kEventKeys;
+            while (in >> b) {
+                data.keys.current[b - 1] = a;
+                data.keys.previous[b - 1] = !a;
+            }
+            const _MultiData out = report(data);
+            if (verb == "keyindex")
+                m_shown.push_back("index " + std::to_string(out.keyIndex) + " state " +
+                                  std::to_string(out.keyState));
+        } else if (verb == "wheel") {
+            in >> b;
+            wheel(a, b);
+        } else if (verb == "pen") {
+            in >> b >> c >> d;
+            TabletDataEX data{};
+            data.eventFlags = kEventPen | kEventPenButtons;
+            data.penStatus = a;
+            data.penButtonMask = b;
+            data.penButtonState = c;
+            data.penId = d;
+            report(data);
+        } else if (verb == "bekey") {
+            in >> b;
+            m_action.ChangeBEKey(a, b);
+        } else if (verb == "pressbe") {
+            m_action.PressBEKey(a);
+        } else if (verb == "group") {
+            m_action.ChangeKeyFunctions(a);
+        } else if (verb == "key" || verb == "groupkey") {
+            in >> b >> c >> d;
+            if (verb == "groupkey")
+                in >> e;
+            stKeyConfig &key = verb == "key" ? common().Key[a] : common().KeyGroup[a].Key[b];
+            key = verb == "key" ? stKeyConfig{int16_t(b), {}, 1, int16_t(c), int16_t(d)}
+                                : stKeyConfig{int16_t(c), {}, 1, int16_t(d), int16_t(e)};
+            std::strcpy(key.func, rest().c_str());
+        } else if (verb == "enable") {
+            in >> b;
+            common().KeyGroup[a].bEnable = b;
+        } else if (verb == "select") {
+            common().SelectID = a;
+        } else if (verb == "forget") {
+            given("");
+        } else if (verb == "selected") {
+            m_shown.push_back("select " + std::to_string(common().SelectID));
+        } else if (verb == "setting") {
+            static const std::map<std::string, int16_t stTablet_XMLData::*> fields = {
+                {"keys", &stTablet_XMLData::DeviceKeyNum},
+                {"direction", &stTablet_XMLData::DeviceKeyDirection},
+                {"orientation", &stTablet_XMLData::Orientation},
+                {"groups", &stTablet_XMLData::SupportGroupKeys},
+                {"noinfo", &stTablet_XMLData::DisableInfo}};
+            in >> text >> b;
+            m_settings.get()->*fields.at(text) = b;
+        } else if (verb == "clearlog") {
+            logLines().clear();
+        } else if (verb == "logged") {
+            const std::string wanted = "log D " + rest();
+            EXPECT_NE(std::find(logLines().begin(), logLines().end(), wanted), logLines().end())
+                << wanted;
+        } else if (verb == "ring") {
+            in >> b >> c >> d;
+            common().Ring[a] = {};
+            common().Ring[a].type = b;
+            common().Ring[a].id = c;
+            common().Ring[a].mode = d;
+        } else if (verb == "ringspeed") {
+            in >> b;
+            common().Ring[a].Speed = b;
+        } else if (verb == "ringitem") {
+            in >> b >> c;
+            common().Ring[a].Item[b].id = c;
+            std::strcpy(common().Ring[a].Item[b].func, rest().c_str());
+        } else if (verb == "penbtn") {
+            in >> b >> c;
+            common().Pen[a].PenBtn[b].Actid = c;
+        } else {
+            ADD_FAILURE() << "unknown command: " << line;
+        }
+    }
+};
+
+TEST_P(Scripted, Steps)
+{
+    for (const auto &[line, expected] : GetParam().steps) {
+        GetParam().driverCalls ? driverCall(line) : command(line);
+        if (expected.empty())
+            continue;
+        const bool nothing = expected == std::vector<std::string>{"-"};
+        EXPECT_EQ(given(GetParam().compared), nothing ? std::vector<std::string>{} : expected)
+            << line;
+    }
+}
+
+const auto caseName = [](const auto &info) { return info.param.name; };
+INSTANTIATE_TEST_SUITE_P(Engine, Scripted,
+                         ::testing::ValuesIn(readScripts(CACTION_CASES, "events tips msgs texts",
+                                                         false)),
+                         caseName);
+INSTANTIATE_TEST_SUITE_P(Driver, Scripted,
+                         ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", true)), caseName);
+
+TEST_F(Engine, FieldWithoutNulIsReadToItsEndOnly)
+{
+    char field[kFuncSize + 16] = {};
+    std::string text = "1|n|k|";
+    while (text.size() < kFuncSize)
+        text += "30:38+";
+    text += "48:56";
+    std::memcpy(field, text.data(), text.size());
+    // The field's 1024 bytes hold 169 tokens and "30:3"; the rest, "8+48:56", is not read.
+    m_action.ParseCustomFunction(field, true, 0);
+    EXPECT_EQ(given("events"), std::vector<std::string>(170, "EV_KEY KEY_A 1"));
+}
+
+// Temporary programs only: a script that writes its environment, and an opener that stands in
+// for the desktop's, first in PATH.
+TEST_F(Engine, ProgramStart)
+{
+    const QString folder = m_folder.path();
+    const auto writeProgram = [](const QString &path, const QByteArray &text) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                            QFileDevice::ExeOwner);
+    };
+    const QByteArray quoted = "\"" + folder.toLocal8Bit();
+    writeProgram(folder + "/run.sh", "#!/bin/sh\nenv > " + quoted + "/env.tmp\"\nmv " + quoted +
+                                         "/env.tmp\" " + quoted + "/env.txt\"\n");
+    writeProgram(folder + "/xdg-open", "#!/bin/sh\necho \"$1\" >> " + quoted + "/opened.txt\"\n");
+    QFile(folder + "/notes.txt").open(QIODevice::WriteOnly);
+    const QByteArray path = qgetenv("PATH");
+    const QByteArray libraryPath = qgetenv("LD_LIBRARY_PATH");
+    qputenv("PATH", folder.toLocal8Bit() + ":" + path);
+    qputenv("LD_LIBRARY_PATH", "/nowhere");
+    qputenv("SCRIBORA_TEST_MARK", "kept");
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_disable(); // the engine never deletes its processes
+#endif
+    for (bool pressed : {false, true}) {
+        m_action.ParseCustomFunction(("2|Run|" + folder + "/run.sh").toUtf8().data(), pressed, 0);
+        m_action.ParseCustomFunction(("2|Doc|" + folder + "/notes.txt").toUtf8().data(), pressed,
+                                     0);
+    }
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_enable();
+#endif
+    qputenv("PATH", path);
+    qputenv("LD_LIBRARY_PATH", libraryPath);
+    qunsetenv("SCRIBORA_TEST_MARK");
+    QFile environment(folder + "/env.txt");
+    QFile opened(folder + "/opened.txt");
+    QElapsedTimer timer;
+    timer.start();
+    while ((!environment.exists() || !opened.exists()) && timer.elapsed() < 10000) {
+        QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+    ASSERT_TRUE(environment.open(QIODevice::ReadOnly));
+    const QByteArray variables = environment.readAll();
+    EXPECT_TRUE(variables.contains("SCRIBORA_TEST_MARK=kept\n")) << variables.toStdString();
+    EXPECT_FALSE(variables.contains("LD_LIBRARY_PATH=")) << variables.toStdString();
+    ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
+    EXPECT_EQ(opened.readAll(), folder.toUtf8() + "/notes.txt\n");
+    EXPECT_EQ(m_tip.texts, (std::vector<std::string>{"Run", "Doc"}));
+}
+
+TEST_F(Engine, RightButtonLogsItsStateAndTime)
+{
+    m_input.DoMouseFunc(kMouseRightClick, true, false);
+    m_input.DoMouseFunc(kMouseRightClick, false, false);
+    const std::vector<std::string> lines = logLines();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], "log I DoMouseFunc 2 true");
+    EXPECT_TRUE(
+        std::regex_match(lines[1], std::regex("log D BTN_RIGHT true \\d\\d:\\d\\d:\\d{3}")));
+    EXPECT_TRUE(
+        std::regex_match(lines[2], std::regex("log D BTN_RIGHT false \\d\\d:\\d\\d:\\d{3}")));
+}
+
+TEST_F(Engine, DoubleClickPauses)
+{
+    const auto start = std::chrono::steady_clock::now();
+    m_input.DoMouseFunc(kMouseDoubleClick, true, false);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
+}
+
+} // namespace
