@@ -122,6 +122,8 @@ protected:
         CGlobalData::Language_Config = language;
         CGlobalData::Show_Info = &m_tip;
         m_action.setDeviceIndex(3);
+        for (QRect &screen : CGlobalData::ScreenArray)
+            screen = QRect();
         std::strcpy(common().path, "common");
     }
 
@@ -270,6 +272,53 @@ protected:
 class Scripted : public Engine, public ::testing::WithParamInterface<Script>
 {
 protected:
+    // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to the
+    // right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens on the
+    // straight pressure line. So fx = x / 10 + 1000, fy = y / 10, digitX = fx * 26.162,
+    // digitY = fy * 37.
+    void setGeometry()
+    {
+        CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
+        CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
+        CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
+        m_device.MaxX = 10000;
+        m_device.MaxY = 8000;
+        m_device.LPI = 1000;
+        m_device.Width = 1000;
+        m_device.Height = 800;
+        m_device.MaxPressure = 2047;
+        stTablet_XMLData &settings = *m_settings;
+        settings.ScreenId = 2;
+        settings.SX = settings.SW = settings.TW = 1000;
+        settings.SH = settings.TH = 800;
+        settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
+        for (stPenConfig &pen : settings.CommonAPP.Pen) {
+            pen.Speed = 5;
+            pen.P1X = pen.P1Y = 0.5f;
+            pen.P2 = 1;
+        }
+    }
+
+    // feed STATUS X Y PRESSURE TILTX [TILTY PEN]
+    void feed(int status, int x, int y, int pressure, int tiltX, std::istream &in)
+    {
+        int tiltY = 0, pen = 0;
+        in >> tiltY >> pen;
+        m_report = {};
+        m_report.eventFlags = kEventPen;
+        m_report.penStatus = status;
+        m_report.x = x;
+        m_report.y = y;
+        m_report.pressure = pressure;
+        m_report.tiltX = static_cast<uint8_t>(tiltX);
+        m_report.tiltY = static_cast<uint8_t>(tiltY);
+        m_report.penId = pen;
+        m_out = report(m_report);
+    }
+
+    TabletDataEX m_report{};
+    _MultiData m_out{};
+
     void driverCall(const std::string &line)
     {
         std::istringstream in(line);
@@ -374,7 +423,29 @@ protected:
         } else if (verb == "select") {
             common().SelectID = a;
         } else if (verb == "forget") {
-            given("");
+            given("logs");
+        } else if (verb == "geometry") {
+            setGeometry();
+        } else if (verb == "feed") {
+            in >> b >> c >> d >> e;
+            feed(a, b, c, d, e, in);
+        } else if (verb == "mapped") {
+            std::ostringstream out;
+            out << "mapped " << m_out.screenPosX << " " << m_out.screenPosY << " " << m_out.digitX
+                << " " << m_out.digitY << " " << m_out.pressure << " " << int(m_out.tiltX) << " "
+                << int(m_out.tiltY) << " report " << m_report.x << " " << m_report.y;
+            m_shown.push_back(out.str());
+        } else if (verb == "leave") {
+            m_action.LeaveProximity();
+        } else if (verb == "relative") {
+            in >> b;
+            common().Pen[a].bRelativeCoords = b;
+        } else if (verb == "eraserfn") {
+            in >> b;
+            common().Pen[a].PenBtn[0].id = b;
+        } else if (verb == "berect") {
+            in >> b >> c >> d;
+            m_settings->BERect = {int16_t(a), int16_t(b), int16_t(c), int16_t(d)};
         } else if (verb == "selected") {
             m_shown.push_back("select " + std::to_string(common().SelectID));
         } else if (verb == "setting") {
@@ -383,7 +454,11 @@ protected:
                 {"direction", &stTablet_XMLData::DeviceKeyDirection},
                 {"orientation", &stTablet_XMLData::Orientation},
                 {"groups", &stTablet_XMLData::SupportGroupKeys},
-                {"noinfo", &stTablet_XMLData::DisableInfo}};
+                {"noinfo", &stTablet_XMLData::DisableInfo},
+                {"screen", &stTablet_XMLData::ScreenId},
+                {"fine", &stTablet_XMLData::bBERectOn},
+                {"tw", &stTablet_XMLData::TW},
+                {"th", &stTablet_XMLData::TH}};
             in >> text >> b;
             m_settings.get()->*fields.at(text) = b;
         } else if (verb == "clearlog") {
@@ -498,6 +573,35 @@ TEST_F(Engine, ProgramStart)
     ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
     EXPECT_EQ(opened.readAll(), folder.toUtf8() + "/notes.txt\n");
     EXPECT_EQ(m_tip.texts, (std::vector<std::string>{"Run", "Doc"}));
+}
+
+TEST_F(Engine, FlagsChooseWhatIsFilled)
+{
+    CGlobalData::LastTabletActionTime = QTime();
+    TabletDataEX data{};
+    EXPECT_EQ(m_action.ActionTabletData(data, m_device, nullptr, m_apps).flags, 0);
+    EXPECT_EQ(logLines(), std::vector<std::string>{"log D m_pCurAppConfig is nullptr"});
+    EXPECT_FALSE(CGlobalData::LastTabletActionTime.isValid());
+    data.eventFlags = kEventWheel;
+    data.wheelIndex = 1;
+    data.wheelDirection = -1;
+    const _MultiData out = report(data);
+    EXPECT_EQ(std::tuple(out.flags, out.ringRel1, uint16_t(out.ringRel2)),
+              std::tuple(kEventWheel, 1, 0xFFFF));
+    // Local time of day, as the usage timer on the window reads it.
+    const int skewMs = std::abs(CGlobalData::LastTabletActionTime.msecsTo(QTime::currentTime()));
+    EXPECT_LT(std::min(skewMs, 86400000 - skewMs), 2000);
+    // Pen button bytes come only with a pen report.
+    data = {};
+    data.eventFlags = kEventPenButtons;
+    data.penButtonMask = 2;
+    data.penButtonState = 1;
+    EXPECT_EQ(report(data).penBtn1, 0);
+    data.eventFlags |= kEventPen;
+    EXPECT_EQ(std::tuple(report(data).penBtn1, report(data).penBtn2), std::tuple(2, 1));
+    const std::vector<std::string> frames = given("frames");
+    EXPECT_TRUE(std::none_of(frames.begin(), frames.end(),
+                             [](const std::string &line) { return line.rfind("pen ", 0) == 0; }));
 }
 
 TEST_F(Engine, RightButtonLogsItsStateAndTime)
