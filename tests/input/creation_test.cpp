@@ -1,25 +1,39 @@
 #include "actionids.h"
-#include "uinputfixture.h"
+#include "fakeuinput.h"
+#include "myinput.h"
 
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
 #include <set>
 #include <sstream>
-#include <unistd.h>
 
 namespace
 {
 
 using Calls = std::set<std::string>;
+using Logs = std::vector<std::string>;
 
-const LogLine kOpenOk{QtDebugMsg, "open uinput ok \n"};
-const LogLine kOpenFailed{QtDebugMsg, "open uinput failed \n"};
-const LogLine kOldKernel{QtInfoMsg, "driver ver < 5"};
-const LogLine kShortRecord{QtDebugMsg, "Error initializing the input device.\n"};
+const std::string kOpenOk = "D open uinput ok \n";
+const std::string kOpenFailed = "D open uinput failed \n";
+const std::string kOldKernel = "I driver ver < 5";
+const std::string kShortRecord = "D Error initializing the input device.\n";
 
-// "EVBIT 0 1, KEYBIT 320-322": one call per bit, as calls() describes them.
+Logs &logLines()
+{
+    static Logs lines;
+    return lines;
+}
+
+void captureLog(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    logLines().push_back((type == QtInfoMsg ? "I " : "D ") + text.toStdString());
+}
+
+// "EVBIT 0 1, KEYBIT 320-322": one call per bit.
 Calls bits(const std::string &spec)
 {
     Calls result;
@@ -45,122 +59,114 @@ Calls operator+(Calls a, const Calls &b)
     return a;
 }
 
-Calls setup(const char *name)
+Calls setup(const std::string &name)
 {
-    return {"GET_VERSION", "DEV_CREATE",
-            std::string("DEV_SETUP '") + name +
-                "' bus=3 vendor=0x5a3c product=0x2 version=0x100 ff=0"};
+    return {"GET_VERSION", "DEV_CREATE", "DEV_SETUP '" + name + "' 3 5a3c 2 100"};
 }
 
 const Calls kPenAxes =
     bits("EVBIT 0 1 3, ABSBIT 0 1 24 26 27") +
-    Calls{absSetup(0, 0, 52324, 200), absSetup(1, 0, 29600, 200), absSetup(24, 0, 8191, 0),
-          absSetup(26, -63, 64, 0), absSetup(27, -63, 64, 0)};
+    Calls{"ABS_SETUP 0 0 52324 200", "ABS_SETUP 1 0 29600 200", "ABS_SETUP 24 0 8191 0",
+          "ABS_SETUP 26 -63 64 0", "ABS_SETUP 27 -63 64 0"};
 // Version 5 is the first modern one; the eraser has no wheel axis.
 const Calls kModern[] = {
-    setup("NORVA Pen") + kPenAxes + Calls{absSetup(8, 0, 71, 0)} +
+    setup("NORVA Pen") + kPenAxes + Calls{"ABS_SETUP 8 0 71 0"} +
         bits("KEYBIT 320-322 330 331 177 178 272-274"),
     setup("NORVA Mouse") + bits("EVBIT 0 1 2, RELBIT 0 1 8, KEYBIT 0-256 272-274"),
     setup("NORVA Eraser") + kPenAxes + bits("KEYBIT 321 330 331 272-274"),
 };
-// The old protocol sets no axes up by ioctl: they are in the record written before creation.
+// The old protocol sets no axes up by ioctl: they are in the record written before creation,
+// without the wheel and without resolutions.
+const Calls kOldRanges = {"RECORD_ABS 0 0 52324 0", "RECORD_ABS 1 0 29600 0",
+                          "RECORD_ABS 24 0 8191 0", "RECORD_ABS 26 -63 64 0",
+                          "RECORD_ABS 27 -63 64 0"};
 const Calls kOld[] = {
     Calls{"GET_VERSION"} + bits("EVBIT 0 1 3, ABSBIT 0 1 24 26 27, KEYBIT 320-328 330 331 272-274"),
     Calls{"GET_VERSION"} + bits("EVBIT 0 1 2, RELBIT 0 1 8, KEYBIT 0-256 272-274"),
     Calls{"GET_VERSION"} + bits("EVBIT 0 1 3, ABSBIT 0 1 24 26 27, KEYBIT 320-335 272-274"),
 };
+const Calls kOldRecords[] = {
+    Calls{"RECORD 'NORVA Pen' 3 5a3c 2 1"} + kOldRanges,
+    Calls{"RECORD 'NORVA Mouse' 3 5a3c 2 1"},
+    Calls{"RECORD 'NORVA Eraser' 3 5a3c 2 1"} + kOldRanges,
+};
 
-std::string padded(const char *name)
-{
-    std::string expected(UINPUT_MAX_NAME_SIZE, '\0');
-    return expected.replace(0, std::strlen(name), name);
-}
-
-class Creation : public UinputTest
+class Creation : public ::testing::Test
 {
 protected:
-    static Calls callSet(int node)
+    void SetUp() override
     {
-        const std::vector<std::string> all = calls(node);
-        return Calls(all.begin(), all.end());
+        ASSERT_TRUE(m_folder.isValid());
+        logLines().clear();
+        m_previousHandler = qInstallMessageHandler(captureLog);
     }
 
-    void make(int version)
+    void TearDown() override
     {
+        m_input.reset();
+        fakeuinput::stop();
+        qInstallMessageHandler(m_previousHandler);
+    }
+
+    void make(int version, unsigned openFailures = 0)
+    {
+        m_input.reset();
+        fakeuinput::start(m_folder.path().toStdString());
         fakeuinput::setVersion(version);
+        fakeuinput::setOpenFailures(openFailures);
+        logLines().clear();
         m_input = std::make_unique<MyInput>();
     }
 
+    static Calls callSet(int node)
+    {
+        const std::vector<std::string> &calls = fakeuinput::nodes().at(node).calls;
+        return Calls(calls.begin(), calls.end());
+    }
+
+    static std::string lastCall(int node) { return fakeuinput::nodes().at(node).calls.back(); }
+
     void expectDescriptors(int pen, int mouse, int eraser)
     {
-        EXPECT_EQ(fakeuinput::nodeOf(m_input->absFd()), pen);
-        EXPECT_EQ(fakeuinput::nodeOf(m_input->relFd()), mouse);
-        EXPECT_EQ(fakeuinput::nodeOf(m_input->eraserFd()), eraser);
+        EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
+                  std::tuple(pen, mouse, eraser));
     }
+
+    QTemporaryDir m_folder;
+    QtMessageHandler m_previousHandler = nullptr;
+    std::unique_ptr<MyInput> m_input;
 };
 
 TEST_F(Creation, ModernInitOpensAndSetsUpPenMouseEraser)
 {
     make(5);
     EXPECT_EQ(m_input->Init(), 1);
-    ASSERT_EQ(fakeuinput::nodeCount(), 3);
-    const char *names[] = {"NORVA Pen", "NORVA Mouse", "NORVA Eraser"};
+    ASSERT_EQ(fakeuinput::nodes().size(), 3u);
     for (int node = 0; node < 3; ++node) {
-        SCOPED_TRACE(node);
-        EXPECT_EQ(fakeuinput::nodeFlags(node), O_WRONLY | O_NONBLOCK);
-        EXPECT_EQ(callSet(node), kModern[node]);
-        EXPECT_EQ(calls(node).back(), "DEV_CREATE");
-        EXPECT_EQ(bytes(node), "");
-        const std::vector<fakeuinput::IoctlCall> all = fakeuinput::ioctls(node);
-        const fakeuinput::IoctlCall &named = all[all.size() - 2];
-        EXPECT_EQ(std::string(named.setup.name, sizeof named.setup.name), padded(names[node]));
+        EXPECT_EQ(fakeuinput::nodes()[node].flags, O_WRONLY | O_NONBLOCK);
+        EXPECT_EQ(callSet(node), kModern[node]) << node;
+        EXPECT_EQ(lastCall(node), "DEV_CREATE");
     }
-    expectDescriptors(kPenNode, kMouseNode, kEraserNode);
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::nodes();
+    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
     EXPECT_EQ(m_input->lastDevice(), 0);
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk, kOpenOk}));
+    EXPECT_EQ(logLines(), (Logs{kOpenOk, kOpenOk, kOpenOk}));
 }
 
-// A failing version query takes the old path too. Absolute ranges of the old record: no
-// ABS_WHEEL there, none for the mouse.
+// A failing version query takes the old path too.
 TEST_F(Creation, OldProtocolWritesARecordThenCreates)
 {
-    const char *names[] = {"NORVA Pen", "NORVA Mouse", "NORVA Eraser"};
-    std::vector<int> absMax(ABS_CNT, 0), absMin(ABS_CNT, 0), none(ABS_CNT, 0);
-    absMax[0] = 52324;
-    absMax[1] = 29600;
-    absMax[24] = 8191;
-    absMax[26] = absMax[27] = 64;
-    absMin[26] = absMin[27] = -63;
     for (int version : {4, -1}) {
-        fakeuinput::start(m_folder.path().toStdString());
-        clearLogs();
         make(version);
         EXPECT_EQ(m_input->Init(), 1);
         for (int node = 0; node < 3; ++node) {
-            SCOPED_TRACE(testing::Message() << version << " " << node);
-            EXPECT_EQ(callSet(node), kOld[node] + Calls{"DEV_CREATE"});
-            EXPECT_EQ(calls(node).back(), "DEV_CREATE");
-            EXPECT_EQ(fakeuinput::writeSizes(node), std::vector<size_t>{1116});
-            uinput_user_dev device{};
-            const std::string data = bytes(node);
-            ASSERT_EQ(data.size(), sizeof device);
-            std::memcpy(&device, data.data(), sizeof device);
-            EXPECT_EQ(std::string(device.name, sizeof device.name), padded(names[node]));
-            EXPECT_EQ(std::tuple(device.id.bustype, device.id.vendor, device.id.product,
-                                 device.id.version, device.ff_effects_max),
-                      std::tuple(3, 0x5A3C, 2, 1, 0u));
-            const bool axes = node != kMouseNode;
-            EXPECT_EQ(std::vector<int>(device.absmax, device.absmax + ABS_CNT),
-                      axes ? absMax : none);
-            EXPECT_EQ(std::vector<int>(device.absmin, device.absmin + ABS_CNT),
-                      axes ? absMin : none);
-            EXPECT_EQ(std::vector<int>(device.absfuzz, device.absfuzz + ABS_CNT), none);
-            EXPECT_EQ(std::vector<int>(device.absflat, device.absflat + ABS_CNT), none);
+            EXPECT_EQ(callSet(node), kOld[node] + kOldRecords[node] + Calls{"DEV_CREATE"})
+                << version << " " << node;
+            EXPECT_EQ(lastCall(node), "DEV_CREATE");
         }
         if (version == 4) {
-            EXPECT_EQ(logs(), (std::vector<LogLine>{kOldKernel, kOpenOk, kOpenOk, kOpenOk}));
+            EXPECT_EQ(logLines(), (Logs{kOldKernel, kOpenOk, kOpenOk, kOpenOk}));
         }
-        m_input.reset();
     }
 }
 
@@ -171,43 +177,35 @@ TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::nodes();
     for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(callSet(node), kOld[node]) << node;
-    expectDescriptors(kPenNode, kMouseNode, kEraserNode);
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
+        EXPECT_EQ(callSet(node), kOld[node] + kOldRecords[node]) << node;
+    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
+    EXPECT_EQ(logLines(), (Logs{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
     m_input->CloseUinput();
-    EXPECT_EQ(calls(kPenNode).back(), "DEV_DESTROY");
+    EXPECT_EQ(lastCall(0), "DEV_DESTROY");
     EXPECT_EQ(m_input->absFd(), 0);
 }
 
+// The pen tells nothing when its open fails; devices that did not open drop everything.
 TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
 {
-    fakeuinput::setOpenFailures(0b111);
-    make(5);
+    make(5, 0b111);
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
-    m_input.reset();
-    fakeuinput::start(m_folder.path().toStdString());
-    fakeuinput::setOpenFailures(0b111);
-    clearLogs();
-    make(5);
+    make(5, 0b111);
     EXPECT_EQ(m_input->Init(), 1);
-    EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
-              std::tuple(0, 0, 0));
-    EXPECT_EQ(fakeuinput::nodeCount(), 3);
-    // The pen tells nothing when its open fails.
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenFailed, kOpenFailed}));
-
+    expectDescriptors(0, 0, 0);
+    EXPECT_EQ(fakeuinput::nodes().size(), 3u);
+    EXPECT_EQ(logLines(), (Logs{kOpenFailed, kOpenFailed}));
     m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, false);
     m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, true);
     m_input->UpdateDigit(0xC0, 100, 200, 300, 1, 2, false);
     m_input->UpdateRelMouse(1, 3, 4);
-    m_input->UpdateWheelRel(m_input->relFd(), 1);
     m_input->KeyEvent(30, true);
     for (int id = kMouseLeftClick; id <= kMouseWheelDown; ++id)
         m_input->DoMouseFunc(id, true, false);
-    m_input->ActionLibrary(7, true);
     m_input->RingActionLibrary(1, true);
     m_input->CloseUinput();
     EXPECT_EQ(fakeuinput::strayCalls(), 0);
@@ -215,41 +213,35 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
 
 TEST_F(Creation, PenOpenFailureIsSilentAndOtherDevicesStillOpen)
 {
-    fakeuinput::setOpenFailures(0b001);
-    make(5);
+    make(5, 0b001);
     EXPECT_EQ(m_input->Init(), 1);
     EXPECT_EQ(m_input->absFd(), 0);
-    EXPECT_FALSE(fakeuinput::nodeOpened(kPenNode));
-    EXPECT_EQ(callSet(kMouseNode), kModern[kMouseNode]);
-    EXPECT_EQ(callSet(kEraserNode), kModern[kEraserNode]);
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk}));
+    EXPECT_EQ(callSet(1), kModern[1]);
+    EXPECT_EQ(callSet(2), kModern[2]);
+    EXPECT_EQ(logLines(), (Logs{kOpenOk, kOpenOk}));
 }
 
-TEST_F(Creation, CloseDestroysAndClosesOnce)
+TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
 {
-    initDevices();
-    const int fds[] = {m_input->absFd(), m_input->relFd(), m_input->eraserFd()};
-    m_input->CloseUinput();
-    m_input->CloseUinput();
-    for (int node = 0; node < 3; ++node) {
-        const std::vector<std::string> all = calls(node);
-        EXPECT_EQ(all.back(), "DEV_DESTROY") << node;
-        EXPECT_EQ(std::count(all.begin(), all.end(), "DEV_DESTROY"), 1) << node;
-        errno = 0;
-        EXPECT_EQ(fcntl(fds[node], F_GETFD), -1) << "descriptor still open: " << node;
-        EXPECT_EQ(errno, EBADF);
+    for (bool destructor : {false, true}) {
+        make(5);
+        m_input->Init();
+        if (destructor) {
+            m_input.reset();
+        } else {
+            m_input->CloseUinput();
+            m_input->CloseUinput();
+            expectDescriptors(0, 0, 0);
+        }
+        for (const fakeuinput::Node &node : fakeuinput::nodes()) {
+            EXPECT_EQ(node.calls.back(), "DEV_DESTROY");
+            EXPECT_EQ(std::count(node.calls.begin(), node.calls.end(), "DEV_DESTROY"), 1);
+            errno = 0;
+            EXPECT_EQ(fcntl(node.fd, F_GETFD), -1) << "descriptor still open";
+            EXPECT_EQ(errno, EBADF);
+        }
+        EXPECT_EQ(fakeuinput::strayCalls(), 0);
     }
-    EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
-              std::tuple(0, 0, 0));
-    EXPECT_EQ(fakeuinput::strayCalls(), 0);
-}
-
-TEST_F(Creation, DestructorClosesTheDevices)
-{
-    initDevices();
-    m_input.reset();
-    for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(calls(node).back(), "DEV_DESTROY") << node;
 }
 
 } // namespace
