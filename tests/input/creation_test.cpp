@@ -112,8 +112,8 @@ protected:
     {
         m_input.reset();
         fakeuinput::start(m_folder.path().toStdString());
-        fakeuinput::setVersion(version);
-        fakeuinput::setOpenFailures(openFailures);
+        fakeuinput::options().version = version;
+        fakeuinput::options().openFailures = openFailures;
         logLines().clear();
         m_input = std::make_unique<MyInput>();
     }
@@ -173,7 +173,7 @@ TEST_F(Creation, OldProtocolWritesARecordThenCreates)
 TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
 {
     make(4);
-    fakeuinput::setWriteLimit(1000);
+    fakeuinput::options().writeLimit = 1000;
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);

@@ -20,9 +20,7 @@ namespace
 struct State {
     bool active = false;
     std::string folder;
-    int version = UINPUT_VERSION;
-    unsigned openFailures = 0;
-    size_t writeLimit = 0;
+    Options options;
     std::vector<Node> nodes;
     std::vector<std::pair<dev_t, ino_t>> files;
     int strayCalls = 0;
@@ -68,7 +66,7 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     const size_t index = s.nodes.size();
     s.nodes.push_back({flags, -1, {}});
     s.files.push_back({});
-    if (s.openFailures & (1u << index)) {
+    if (s.options.openFailures & (1u << index)) {
         errno = EACCES;
         return -1;
     }
@@ -84,37 +82,28 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
 
 std::string describe(unsigned long request, void *argument)
 {
+    static const std::pair<unsigned long, const char *> kNames[] = {
+        {UI_GET_VERSION, "GET_VERSION"}, {UI_DEV_CREATE, "DEV_CREATE"},
+        {UI_DEV_DESTROY, "DEV_DESTROY"}, {UI_SET_EVBIT, "EVBIT "},
+        {UI_SET_KEYBIT, "KEYBIT "},      {UI_SET_ABSBIT, "ABSBIT "},
+        {UI_SET_RELBIT, "RELBIT "},      {UI_ABS_SETUP, "ABS_SETUP "},
+        {UI_DEV_SETUP, "DEV_SETUP "}};
     std::ostringstream out;
+    for (const auto &[known, name] : kNames) {
+        if (known == request)
+            out << name;
+    }
     const auto *setup = static_cast<const uinput_setup *>(argument);
     const auto *abs = static_cast<const uinput_abs_setup *>(argument);
-    const int bit = static_cast<int>(reinterpret_cast<intptr_t>(argument));
-    switch (request) {
-    case UI_GET_VERSION:
-        return "GET_VERSION";
-    case UI_DEV_CREATE:
-        return "DEV_CREATE";
-    case UI_DEV_DESTROY:
-        return "DEV_DESTROY";
-    case UI_SET_EVBIT:
-        return "EVBIT " + std::to_string(bit);
-    case UI_SET_KEYBIT:
-        return "KEYBIT " + std::to_string(bit);
-    case UI_SET_ABSBIT:
-        return "ABSBIT " + std::to_string(bit);
-    case UI_SET_RELBIT:
-        return "RELBIT " + std::to_string(bit);
-    case UI_ABS_SETUP:
-        out << "ABS_SETUP " << abs->code << " " << abs->absinfo.minimum << " "
-            << abs->absinfo.maximum << " " << abs->absinfo.resolution;
-        return out.str();
-    case UI_DEV_SETUP:
-        out << "DEV_SETUP '" << setup->name << "' " << std::hex << setup->id.bustype << " "
+    if (request == UI_ABS_SETUP)
+        out << abs->code << " " << abs->absinfo.minimum << " " << abs->absinfo.maximum << " "
+            << abs->absinfo.resolution;
+    else if (request == UI_DEV_SETUP)
+        out << "'" << setup->name << "' " << std::hex << setup->id.bustype << " "
             << setup->id.vendor << " " << setup->id.product << " " << setup->id.version;
-        return out.str();
-    default:
-        out << "ioctl " << std::hex << request;
-        return out.str();
-    }
+    else if (out.str().back() == ' ') // the bit of UI_SET_*BIT
+        out << reinterpret_cast<intptr_t>(argument);
+    return out.str().empty() ? "ioctl " + std::to_string(request) : out.str();
 }
 
 // The record lists its name and id, then each axis with a range.
@@ -151,19 +140,9 @@ void stop()
     state().active = false;
 }
 
-void setVersion(int version)
+Options &options()
 {
-    state().version = version;
-}
-
-void setOpenFailures(unsigned mask)
-{
-    state().openFailures = mask;
-}
-
-void setWriteLimit(size_t bytes)
-{
-    state().writeLimit = bytes;
+    return state().options;
 }
 
 const std::vector<Node> &nodes()
@@ -190,16 +169,6 @@ extern "C" int open(const char *path, int flags, ...)
     return fd;
 }
 
-extern "C" int open64(const char *path, int flags, ...)
-{
-    static const auto real = nextSymbol<OpenFunction>("open64");
-    va_list args;
-    va_start(args, flags);
-    const int fd = openFile(real, path, flags, args);
-    va_end(args);
-    return fd;
-}
-
 extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 {
     static const auto real = nextSymbol<int (*)(int, unsigned long, ...)>("ioctl");
@@ -213,11 +182,11 @@ extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
     node->calls.push_back(describe(request, argument));
     if (request != UI_GET_VERSION)
         return 0;
-    if (state().version < 0) {
+    if (state().options.version < 0) {
         errno = EINVAL;
         return -1;
     }
-    *static_cast<unsigned *>(argument) = static_cast<unsigned>(state().version);
+    *static_cast<unsigned *>(argument) = static_cast<unsigned>(state().options.version);
     return 0;
 }
 
@@ -225,8 +194,8 @@ extern "C" ssize_t write(int fd, const void *buffer, size_t count)
 {
     static const auto real = nextSymbol<ssize_t (*)(int, const void *, size_t)>("write");
     Node *node = nodeFor(fd);
-    if (node && state().writeLimit != 0 && count > state().writeLimit)
-        count = state().writeLimit;
+    if (node && state().options.writeLimit != 0 && count > state().options.writeLimit)
+        count = state().options.writeLimit;
     if (node)
         describeRecord(*node, buffer, count);
     return real(fd, buffer, count);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// Stands in for /dev/uinput inside a test executable, which then defines open, open64, ioctl
+// Stands in for /dev/uinput inside a test executable, which then defines open, ioctl
 // and write: while started, every open of "/dev/uinput" makes a fresh file in the given
 // folder (a "node"); uinput ioctls and writes on a node are answered and described here,
 // everything else goes on to the C library.
@@ -22,9 +22,12 @@ struct Node {
 void start(const std::string &folder);
 void stop();
 
-void setVersion(int version);        // the answer to UI_GET_VERSION; negative fails the call
-void setOpenFailures(unsigned mask); // bit n fails the open with index n
-void setWriteLimit(size_t bytes);    // caps every write to a node; 0 for no cap
+struct Options {
+    int version = 5;           // the answer to UI_GET_VERSION; negative fails the call
+    unsigned openFailures = 0; // bit n fails the open with index n
+    size_t writeLimit = 0;     // caps every write to a node; 0 for no cap
+};
+Options &options(); // reset by start
 
 // One node per open attempt, in order.
 const std::vector<Node> &nodes();
