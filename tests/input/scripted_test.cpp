@@ -92,6 +92,37 @@ std::string describe(const input_event &event)
            (code ? code : std::to_string(event.code)) + " " + std::to_string(event.value);
 }
 
+// The words of a command after its verb: a first word that is no number, the numbers, the rest.
+struct Args {
+    std::string line;
+    std::string word;
+    int n[8] = {};
+    int count = 0;
+    std::string rest;
+};
+
+Args parse(std::istream &in)
+{
+    Args args;
+    std::getline(in >> std::ws, args.line);
+    std::istringstream words(args.line);
+    const auto isNumber = [](const std::string &w) {
+        return !w.empty() && w.find_first_not_of("-0123456789") == std::string::npos;
+    };
+    std::string word;
+    for (std::streampos at = 0; words >> word; at = words.tellg()) {
+        if (!isNumber(word) && args.count == 0 && args.word.empty()) {
+            args.word = word;
+        } else if (isNumber(word) && args.count < 8) {
+            args.n[args.count++] = std::stoi(word);
+        } else {
+            args.rest = args.line.substr(static_cast<size_t>(at) + (at > 0));
+            break;
+        }
+    }
+    return args;
+}
+
 struct RecordedTips : CTipSink {
     void EmitInfo(QString text) override { texts.push_back(text.toStdString()); }
     void EmitRingLrcInfo(QStringList, int) override {}
@@ -271,156 +302,88 @@ protected:
         }
     }
 
-    // feed STATUS X Y PRESSURE TILTX [TILTY PEN]
-    void feed(int status, int x, int y, int pressure, int tiltX, std::istream &in)
-    {
-        int tiltY = 0, pen = 0;
-        in >> tiltY >> pen;
-        m_report = {};
-        m_report.eventFlags = kEventPen;
-        m_report.penStatus = status;
-        m_report.x = x;
-        m_report.y = y;
-        m_report.pressure = pressure;
-        m_report.tiltX = static_cast<uint8_t>(tiltX);
-        m_report.tiltY = static_cast<uint8_t>(tiltY);
-        m_report.penId = pen;
-        m_out = report(m_report);
-    }
-
     TabletDataEX m_report{};
     _MultiData m_out{};
 
-    void driverCall(const std::string &line)
+    void driverCall(const std::string &verb, const Args &args)
     {
-        std::istringstream in(line);
-        std::string verb, text;
-        int a = 0, b = 0, c = 0, d = 0, e = 0, f = 0;
-        in >> verb;
+        const int *n = args.n;
         if (verb == "digit") {
-            in >> text >> a >> b >> c >> d >> e >> f;
-            m_input.UpdateDigit(std::stoi(text, nullptr, 16), a, b, c, d, e, f);
+            m_input.UpdateDigit(n[0], n[1], n[2], n[3], n[4], n[5], n[6]);
         } else if (verb == "rel") {
-            in >> a >> b >> c;
-            m_input.UpdateRelMouse(a, b, c);
+            m_input.UpdateRelMouse(n[0], n[1], n[2]);
         } else if (verb == "wheel") {
-            in >> text >> a;
-            const int fd = text == "pen" ? m_input.absFd() : text == "mouse" ? m_input.relFd() : 0;
-            m_input.UpdateWheelRel(fd, a);
+            const int fd = args.word == "pen"     ? m_input.absFd()
+                           : args.word == "mouse" ? m_input.relFd()
+                                                  : 0;
+            m_input.UpdateWheelRel(fd, n[0]);
         } else if (verb == "key") {
-            in >> a >> b;
-            m_input.KeyEvent(a, b);
+            m_input.KeyEvent(n[0], n[1]);
         } else if (verb == "mouse") {
-            in >> a >> b >> c;
-            m_input.DoMouseFunc(a, b, c);
+            m_input.DoMouseFunc(n[0], n[1], n[2]);
         } else if (verb == "library") {
-            in >> a >> b;
-            m_input.ActionLibrary(a, b);
+            m_input.ActionLibrary(n[0], n[1]);
         } else if (verb == "ring") {
-            in >> a >> b;
-            m_input.RingActionLibrary(a, b);
+            m_input.RingActionLibrary(n[0], n[1]);
         } else if (verb == "fail") {
-            in >> text;
-            attach(m_input, text == "pen" ? 0 : 2);
+            attach(m_input, args.word == "pen" ? 0 : 2);
         } else if (verb == "last") {
             m_shown.push_back("last " + std::to_string(m_input.lastDevice()));
         } else {
-            ADD_FAILURE() << "unknown call: " << line;
+            ADD_FAILURE() << "unknown call: " << verb;
         }
     }
 
     // Sets a field of the settings or calls the engine, as the command says.
-    void command(const std::string &line)
+    void command(const std::string &verb, const Args &args)
     {
-        std::istringstream in(line);
-        std::string verb, text;
-        int a = 0, b = 0, c = 0, d = 0, e = 0;
-        in >> verb;
-        const std::streampos start = in.tellg();
-        if (!(in >> a)) { // the command's first word is no number
-            in.clear();
-            in.seekg(start);
-        }
-        const auto rest = [&in]() {
-            std::string text;
-            std::getline(in >> std::ws, text);
-            return text;
-        };
+        const int *n = args.n;
+        stPenConfig &pen = common().Pen[n[0] & 7];
+        TabletDataEX data{};
         if (verb == "func") {
-            m_action.ParseCustomFunction(QByteArray::fromStdString(rest()).data(), a, 0);
+            m_action.ParseCustomFunction(QByteArray::fromStdString(args.rest).data(), n[0], 0);
         } else if (verb == "library") {
-            in >> b;
-            m_action.ActionLibrary(a, b, 0);
+            m_action.ActionLibrary(n[0], n[1], 0);
         } else if (verb == "keys" || verb == "keyindex") {
-            TabletDataEX data{};
             data.eventFlags = kEventKeys;
-            while (in >> b) {
-                data.keys.current[b - 1] = a;
-                data.keys.previous[b - 1] = !a;
+            for (int i = 1; i < args.count; ++i) {
+                data.keys.current[n[i] - 1] = n[0];
+                data.keys.previous[n[i] - 1] = !n[0];
             }
             const _MultiData out = report(data);
             if (verb == "keyindex")
                 m_shown.push_back("index " + std::to_string(out.keyIndex) + " state " +
                                   std::to_string(out.keyState));
         } else if (verb == "wheel") {
-            TabletDataEX data{};
             data.eventFlags = kEventWheel;
-            data.wheelIndex = a;
-            in >> data.wheelDirection;
+            data.wheelIndex = n[0];
+            data.wheelDirection = n[1];
             report(data);
         } else if (verb == "pen") {
-            in >> b >> c >> d;
-            TabletDataEX data{};
             data.eventFlags = kEventPen | kEventPenButtons;
-            data.penStatus = a;
-            data.penButtonMask = b;
-            data.penButtonState = c;
-            data.penId = d;
+            data.penStatus = n[0];
+            data.penButtonMask = n[1];
+            data.penButtonState = n[2];
+            data.penId = n[3];
             report(data);
         } else if (verb == "bekey") {
-            in >> b;
-            m_action.ChangeBEKey(a, b);
+            m_action.ChangeBEKey(n[0], n[1]);
         } else if (verb == "pressbe") {
-            m_action.PressBEKey(a);
+            m_action.PressBEKey(n[0]);
         } else if (verb == "group") {
-            m_action.ChangeKeyFunctions(a);
+            m_action.ChangeKeyFunctions(n[0]);
         } else if (verb == "key" || verb == "groupkey") {
-            in >> b >> c >> d;
-            if (verb == "groupkey")
-                in >> e;
-            stKeyConfig &key = verb == "key" ? common().Key[a] : common().KeyGroup[a].Key[b];
-            key = verb == "key" ? stKeyConfig{int16_t(b), {}, 1, int16_t(c), int16_t(d)}
-                                : stKeyConfig{int16_t(c), {}, 1, int16_t(d), int16_t(e)};
-            std::strcpy(key.func, rest().c_str());
+            const bool grouped = verb == "groupkey";
+            stKeyConfig &key = grouped ? common().KeyGroup[n[0]].Key[n[1]] : common().Key[n[0]];
+            key = {
+                int16_t(n[1 + grouped]), {}, 1, int16_t(n[2 + grouped]), int16_t(n[3 + grouped])};
+            std::strcpy(key.func, args.rest.c_str());
         } else if (verb == "enable") {
-            in >> b;
-            common().KeyGroup[a].bEnable = b;
+            common().KeyGroup[n[0]].bEnable = n[1];
         } else if (verb == "select") {
-            common().SelectID = a;
+            common().SelectID = n[0];
         } else if (verb == "forget") {
             given("logs");
-        } else if (verb == "geometry") {
-            setGeometry();
-        } else if (verb == "feed") {
-            in >> b >> c >> d >> e;
-            feed(a, b, c, d, e, in);
-        } else if (verb == "mapped") {
-            std::ostringstream out;
-            out << "mapped " << m_out.screenPosX << " " << m_out.screenPosY << " " << m_out.digitX
-                << " " << m_out.digitY << " " << m_out.pressure << " " << int(m_out.tiltX) << " "
-                << int(m_out.tiltY) << " report " << m_report.x << " " << m_report.y;
-            m_shown.push_back(out.str());
-        } else if (verb == "leave") {
-            m_action.LeaveProximity();
-        } else if (verb == "relative") {
-            in >> b;
-            common().Pen[a].bRelativeCoords = b;
-        } else if (verb == "eraserfn") {
-            in >> b;
-            common().Pen[a].PenBtn[0].id = b;
-        } else if (verb == "berect") {
-            in >> b >> c >> d;
-            m_settings->BERect = {int16_t(a), int16_t(b), int16_t(c), int16_t(d)};
         } else if (verb == "selected") {
             m_shown.push_back("select " + std::to_string(common().SelectID));
         } else if (verb == "setting") {
@@ -434,32 +397,54 @@ protected:
                 {"fine", &stTablet_XMLData::bBERectOn},
                 {"tw", &stTablet_XMLData::TW},
                 {"th", &stTablet_XMLData::TH}};
-            in >> text >> b;
-            m_settings.get()->*fields.at(text) = b;
+            m_settings.get()->*fields.at(args.word) = n[0];
         } else if (verb == "clearlog") {
             logLines().clear();
         } else if (verb == "logged") {
-            const std::string wanted = "log D " + rest();
+            const std::string wanted = "log D " + args.line;
             EXPECT_NE(std::find(logLines().begin(), logLines().end(), wanted), logLines().end())
                 << wanted;
         } else if (verb == "ring") {
-            in >> b >> c >> d;
-            common().Ring[a] = {};
-            common().Ring[a].type = b;
-            common().Ring[a].id = c;
-            common().Ring[a].mode = d;
+            common().Ring[n[0]] = {};
+            common().Ring[n[0]].type = n[1];
+            common().Ring[n[0]].id = n[2];
+            common().Ring[n[0]].mode = n[3];
         } else if (verb == "ringspeed") {
-            in >> b;
-            common().Ring[a].Speed = b;
+            common().Ring[n[0]].Speed = n[1];
         } else if (verb == "ringitem") {
-            in >> b >> c;
-            common().Ring[a].Item[b].id = c;
-            std::strcpy(common().Ring[a].Item[b].func, rest().c_str());
+            common().Ring[n[0]].Item[n[1]].id = n[2];
+            std::strcpy(common().Ring[n[0]].Item[n[1]].func, args.rest.c_str());
         } else if (verb == "penbtn") {
-            in >> b >> c;
-            common().Pen[a].PenBtn[b].Actid = c;
+            pen.PenBtn[n[1]].Actid = n[2];
+        } else if (verb == "relative") {
+            pen.bRelativeCoords = n[1];
+        } else if (verb == "eraserfn") {
+            pen.PenBtn[0].id = n[1];
+        } else if (verb == "geometry") {
+            setGeometry();
+        } else if (verb == "feed") {
+            m_report = {};
+            m_report.eventFlags = kEventPen;
+            m_report.penStatus = n[0];
+            m_report.x = n[1];
+            m_report.y = n[2];
+            m_report.pressure = n[3];
+            m_report.tiltX = static_cast<uint8_t>(n[4]);
+            m_report.tiltY = static_cast<uint8_t>(n[5]);
+            m_report.penId = n[6];
+            m_out = report(m_report);
+        } else if (verb == "mapped") {
+            std::ostringstream out;
+            out << "mapped " << m_out.screenPosX << " " << m_out.screenPosY << " " << m_out.digitX
+                << " " << m_out.digitY << " " << m_out.pressure << " " << int(m_out.tiltX) << " "
+                << int(m_out.tiltY) << " report " << m_report.x << " " << m_report.y;
+            m_shown.push_back(out.str());
+        } else if (verb == "leave") {
+            m_action.LeaveProximity();
+        } else if (verb == "berect") {
+            m_settings->BERect = {int16_t(n[0]), int16_t(n[1]), int16_t(n[2]), int16_t(n[3])};
         } else {
-            ADD_FAILURE() << "unknown command: " << line;
+            ADD_FAILURE() << "unknown command: " << verb;
         }
     }
 };
@@ -467,7 +452,11 @@ protected:
 TEST_P(Scripted, Steps)
 {
     for (const auto &[line, expected] : GetParam().steps) {
-        GetParam().driverCalls ? driverCall(line) : command(line);
+        std::istringstream in(line);
+        std::string verb;
+        in >> verb;
+        const Args args = parse(in);
+        GetParam().driverCalls ? driverCall(verb, args) : command(verb, args);
         if (expected.empty())
             continue;
         const bool nothing = expected == std::vector<std::string>{"-"};
