@@ -1,5 +1,6 @@
 #include "actionids.h"
 #include "caction.h"
+#include "capturedlog.h"
 #include "cglobaldata.h"
 #include "ctipsink.h"
 #include "deviceattributes.h"
@@ -19,7 +20,6 @@
 #include <gtest/gtest.h>
 #include <libevdev/libevdev.h>
 #include <map>
-#include <regex>
 #include <sstream>
 #include <sys/mman.h>
 #include <sys/time.h>
@@ -71,17 +71,6 @@ std::vector<Script> readScripts(const char *path, const std::string &compared, b
             scripts.back().steps.back().second.push_back(line);
     }
     return scripts;
-}
-
-std::vector<std::string> &logLines()
-{
-    static std::vector<std::string> lines;
-    return lines;
-}
-
-void captureLog(QtMsgType type, const QMessageLogContext &, const QString &text)
-{
-    logLines().push_back(std::string(type == QtInfoMsg ? "log I " : "log D ") + text.toStdString());
 }
 
 std::string describe(const input_event &event)
@@ -137,8 +126,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_folder.isValid());
-        logLines().clear();
-        m_previousHandler = qInstallMessageHandler(captureLog);
+        capturedlog::install();
         for (int &fd : m_fds)
             fd = memfd_create("device", 0);
         attach(CGlobalData::MyInputDriver);
@@ -171,7 +159,6 @@ protected:
         CGlobalData::Show_Info = nullptr;
         delete CGlobalData::Language_Config;
         CGlobalData::Language_Config = nullptr;
-        qInstallMessageHandler(m_previousHandler);
     }
 
     // A device that failed to open has descriptor 0.
@@ -242,7 +229,7 @@ protected:
             }
         }
         if (wants("logs"))
-            lines.insert(lines.end(), logLines().begin(), logLines().end());
+            lines.insert(lines.end(), capturedlog::lines().begin(), capturedlog::lines().end());
         m_written.clear();
         m_zeroTime = false;
         m_shown.clear();
@@ -250,12 +237,11 @@ protected:
         m_ints.clear();
         m_texts.clear();
         if (wants("logs"))
-            logLines().clear();
+            capturedlog::lines().clear();
         return lines;
     }
 
     QTemporaryDir m_folder;
-    QtMessageHandler m_previousHandler = nullptr;
     int m_fds[3] = {};
     size_t m_hooked[3] = {};
     std::vector<std::pair<int, input_event>> m_written;
@@ -399,10 +385,11 @@ protected:
                 {"th", &stTablet_XMLData::TH}};
             m_settings.get()->*fields.at(args.word) = n[0];
         } else if (verb == "clearlog") {
-            logLines().clear();
+            capturedlog::lines().clear();
         } else if (verb == "logged") {
             const std::string wanted = "log D " + args.line;
-            EXPECT_NE(std::find(logLines().begin(), logLines().end(), wanted), logLines().end())
+            EXPECT_NE(std::find(capturedlog::lines().begin(), capturedlog::lines().end(), wanted),
+                      capturedlog::lines().end())
                 << wanted;
         } else if (verb == "ring") {
             common().Ring[n[0]] = {};
@@ -544,7 +531,7 @@ TEST_F(Engine, FlagsChooseWhatIsFilled)
     CGlobalData::LastTabletActionTime = QTime();
     TabletDataEX data{};
     EXPECT_EQ(m_action.ActionTabletData(data, m_device, nullptr, m_apps).flags, 0);
-    EXPECT_EQ(logLines(), std::vector<std::string>{"log D m_pCurAppConfig is nullptr"});
+    EXPECT_EQ(capturedlog::lines(), std::vector<std::string>{"log D m_pCurAppConfig is nullptr"});
     EXPECT_FALSE(CGlobalData::LastTabletActionTime.isValid());
     data.eventFlags = kEventWheel;
     data.wheelIndex = 1;
@@ -566,19 +553,6 @@ TEST_F(Engine, FlagsChooseWhatIsFilled)
     const std::vector<std::string> frames = given("frames");
     EXPECT_TRUE(std::none_of(frames.begin(), frames.end(),
                              [](const std::string &line) { return line.rfind("pen ", 0) == 0; }));
-}
-
-TEST_F(Engine, RightButtonLogsItsStateAndTime)
-{
-    m_input.DoMouseFunc(kMouseRightClick, true, false);
-    m_input.DoMouseFunc(kMouseRightClick, false, false);
-    const std::vector<std::string> lines = logLines();
-    ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0], "log I DoMouseFunc 2 true");
-    EXPECT_TRUE(
-        std::regex_match(lines[1], std::regex("log D BTN_RIGHT true \\d\\d:\\d\\d:\\d{3}")));
-    EXPECT_TRUE(
-        std::regex_match(lines[2], std::regex("log D BTN_RIGHT false \\d\\d:\\d\\d:\\d{3}")));
 }
 
 TEST_F(Engine, DoubleClickPauses)
