@@ -1,4 +1,3 @@
-#include "actionids.h"
 #include "capturedlog.h"
 #include "fakeuinput.h"
 #include "myinput.h"
@@ -9,10 +8,14 @@
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <linux/input.h>
 #include <map>
 #include <memory>
 #include <set>
 #include <sstream>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -155,7 +158,8 @@ TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
     EXPECT_EQ(m_input->absFd(), 0);
 }
 
-// The pen tells nothing when its open fails; devices that did not open drop everything.
+// The pen tells nothing when its open fails; closing leaves devices that did not open alone.
+// (What they are sent is dropped: the driver cases.)
 TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
 {
     make(5, 0b111);
@@ -167,14 +171,6 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     expectDescriptors(0, 0, 0);
     EXPECT_EQ(fakeuinput::nodes().size(), 3u);
     EXPECT_EQ(capturedlog::lines(), (Logs{kOpenFailed, kOpenFailed}));
-    m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, false);
-    m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, true);
-    m_input->UpdateDigit(0xC0, 100, 200, 300, 1, 2, false);
-    m_input->UpdateRelMouse(1, 3, 4);
-    m_input->KeyEvent(30, true);
-    for (int id = kMouseLeftClick; id <= kMouseWheelDown; ++id)
-        m_input->DoMouseFunc(id, true, false);
-    m_input->RingActionLibrary(1, true);
     m_input->CloseUinput();
     EXPECT_EQ(fakeuinput::strayCalls(), 0);
 }
@@ -210,6 +206,46 @@ TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
         }
         EXPECT_EQ(fakeuinput::strayCalls(), 0);
     }
+}
+
+// The remembered tool is process-wide and starts at 0, and no test here writes a frame: each
+// leave runs in a child forked from that fresh state.
+// The events the pen and the eraser got, as (code, value) pairs.
+std::vector<std::vector<std::pair<int, int>>> leaveFirst(bool eraser)
+{
+    const int pen = memfd_create("pen", 0), other = memfd_create("eraser", 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        MyInput input;
+        input.AttachDevices(pen, 0, other);
+        input.UpdateDigit(0xC0, 11, 22, 333, 4, -5, eraser);
+        input.AttachDevices(0, 0, 0);
+        _exit(0);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    std::vector<std::vector<std::pair<int, int>>> result(2);
+    for (int device : {0, 1}) {
+        const int fd = device == 0 ? pen : other;
+        input_event event{};
+        for (off_t at = 0; pread(fd, &event, sizeof event, at) == sizeof event; at += sizeof event)
+            result[device].push_back({event.code, event.value});
+        close(fd);
+    }
+    return result;
+}
+
+TEST(FirstFrame, LeaveBeforeAnyFrameFollowsTheEraserFlag)
+{
+    const auto frame = [](int tool) {
+        return std::vector<std::pair<int, int>>{
+            {tool, 0},       {ABS_X, 11},      {ABS_Y, 22},    {ABS_PRESSURE, 0},
+            {ABS_TILT_X, 4}, {ABS_TILT_Y, -5}, {BTN_TOUCH, 0}, {SYN_REPORT, 0}};
+    };
+    EXPECT_EQ(leaveFirst(false), (std::vector{frame(BTN_TOOL_PEN), {}}));
+    EXPECT_EQ(leaveFirst(true),
+              (std::vector{std::vector<std::pair<int, int>>{}, frame(BTN_TOOL_RUBBER)}));
 }
 
 } // namespace
