@@ -164,7 +164,8 @@ protected:
     // A device that failed to open has descriptor 0.
     void attach(MyInput &input, int failed = -1)
     {
-        input.AttachDevices(failed == 0 ? 0 : m_fds[0], m_fds[1], failed == 2 ? 0 : m_fds[2]);
+        input.AttachDevices(failed == 0 ? 0 : m_fds[0], failed == 1 ? 0 : m_fds[1],
+                            failed == 2 ? 0 : m_fds[2]);
         input.SetWriteHook(&Engine::onWrite, this);
     }
 
@@ -312,7 +313,8 @@ protected:
         } else if (verb == "ring") {
             m_input.RingActionLibrary(n[0], n[1]);
         } else if (verb == "fail") {
-            attach(m_input, args.word == "pen" ? 0 : 2);
+            attach(m_input,
+                   static_cast<int>(std::find(kDevices, kDevices + 3, args.word) - kDevices));
         } else if (verb == "last") {
             m_shown.push_back("last " + std::to_string(m_input.lastDevice()));
         } else {
