@@ -120,7 +120,7 @@ struct RecordedTips : CTipSink {
 
 // Language texts: "Actions.n" is "An", "TR.Item.n" is "Rn"; the config's path is "common",
 // and the engine posts as device 3.
-class Engine : public ::testing::Test
+class Cases : public ::testing::TestWithParam<Script>
 {
 protected:
     void SetUp() override
@@ -141,6 +141,7 @@ protected:
         CGlobalData::Language_Config = language;
         CGlobalData::Show_Info = &m_tip;
         m_action.setDeviceIndex(3);
+        CGlobalData::LastTabletActionTime = QTime();
         for (QRect &screen : CGlobalData::ScreenArray)
             screen = QRect();
         std::strcpy(common().path, "common");
@@ -166,13 +167,13 @@ protected:
     {
         input.AttachDevices(failed == 0 ? 0 : m_fds[0], failed == 1 ? 0 : m_fds[1],
                             failed == 2 ? 0 : m_fds[2]);
-        input.SetWriteHook(&Engine::onWrite, this);
+        input.SetWriteHook(&Cases::onWrite, this);
     }
 
     // Every write is one whole report with one time, taken when it is written, or none.
     static void onWrite(void *context, int fd, const input_event *events, int count)
     {
-        Engine &self = *static_cast<Engine *>(context);
+        Cases &self = *static_cast<Cases *>(context);
         const int device = static_cast<int>(std::find(self.m_fds, self.m_fds + 3, fd) - self.m_fds);
         const timeval time{events[0].input_event_sec, events[0].input_event_usec};
         const bool zero = time.tv_sec == 0 && time.tv_usec == 0;
@@ -257,11 +258,7 @@ protected:
     std::unique_ptr<stTablet_XMLData> m_settings = std::make_unique<stTablet_XMLData>();
     _DEVICE_ATTRIBUTES m_device{};
     QMap<QString, _stAppConfigNode *> m_apps;
-};
 
-class Scripted : public Engine, public ::testing::WithParamInterface<Script>
-{
-protected:
     // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to the
     // right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens on the
     // straight pressure line. So fx = x / 10 + 1000, fy = y / 10, digitX = fx * 26.162,
@@ -348,14 +345,27 @@ protected:
             data.eventFlags = kEventWheel;
             data.wheelIndex = n[0];
             data.wheelDirection = n[1];
-            report(data);
-        } else if (verb == "pen") {
-            data.eventFlags = kEventPen | kEventPenButtons;
+            m_out = report(data);
+        } else if (verb == "pen") { // a fifth number leaves the pen flag out
+            data.eventFlags = n[4] ? kEventPenButtons : kEventPen | kEventPenButtons;
             data.penStatus = n[0];
             data.penButtonMask = n[1];
             data.penButtonState = n[2];
             data.penId = n[3];
-            report(data);
+            m_out = report(data);
+        } else if (verb == "nosettings") {
+            m_out = m_action.ActionTabletData(data, m_device, nullptr, m_apps);
+        } else if (verb == "result") {
+            m_shown.push_back("result " + std::to_string(m_out.flags) + " " +
+                              std::to_string(m_out.ringRel1) + " " +
+                              std::to_string(m_out.ringRel2) + " " + std::to_string(m_out.penBtn1) +
+                              " " + std::to_string(m_out.penBtn2));
+        } else if (verb == "clock") { // the time of the last report, against the local time of day
+            const QTime last = CGlobalData::LastTabletActionTime;
+            const int skew = last.isValid() ? std::abs(last.msecsTo(QTime::currentTime())) : -1;
+            m_shown.push_back(skew < 0                                 ? "clock unset"
+                              : std::min(skew, 86400000 - skew) < 2000 ? "clock now"
+                                                                       : "clock off");
         } else if (verb == "bekey") {
             m_action.ChangeBEKey(n[0], n[1]);
         } else if (verb == "pressbe") {
@@ -440,7 +450,7 @@ protected:
     }
 };
 
-TEST_P(Scripted, Steps)
+TEST_P(Cases, Steps)
 {
     for (const auto &[line, expected] : GetParam().steps) {
         std::istringstream in(line);
@@ -457,16 +467,16 @@ TEST_P(Scripted, Steps)
 }
 
 const auto caseName = [](const auto &info) { return info.param.name; };
-INSTANTIATE_TEST_SUITE_P(Engine, Scripted,
+INSTANTIATE_TEST_SUITE_P(Engine, Cases,
                          ::testing::ValuesIn(readScripts(CACTION_CASES, "events tips msgs texts",
                                                          false)),
                          caseName);
-INSTANTIATE_TEST_SUITE_P(Driver, Scripted,
+INSTANTIATE_TEST_SUITE_P(Driver, Cases,
                          ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", true)), caseName);
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
 // for the desktop's, first in PATH.
-TEST_F(Engine, ProgramStart)
+TEST_F(Cases, ProgramStart)
 {
     const std::string folder = m_folder.path().toStdString();
     const auto program = [](const std::string &path, const std::string &text) {
@@ -513,36 +523,7 @@ TEST_F(Engine, ProgramStart)
     EXPECT_EQ(m_tip.texts, (std::vector<std::string>{"Run", "Doc"}));
 }
 
-TEST_F(Engine, FlagsChooseWhatIsFilled)
-{
-    CGlobalData::LastTabletActionTime = QTime();
-    TabletDataEX data{};
-    EXPECT_EQ(m_action.ActionTabletData(data, m_device, nullptr, m_apps).flags, 0);
-    EXPECT_EQ(capturedlog::lines(), std::vector<std::string>{"log D m_pCurAppConfig is nullptr"});
-    EXPECT_FALSE(CGlobalData::LastTabletActionTime.isValid());
-    data.eventFlags = kEventWheel;
-    data.wheelIndex = 1;
-    data.wheelDirection = -1;
-    const _MultiData out = report(data);
-    EXPECT_EQ(std::tuple(out.flags, out.ringRel1, uint16_t(out.ringRel2)),
-              std::tuple(kEventWheel, 1, 0xFFFF));
-    // Local time of day, as the usage timer on the window reads it.
-    const int skewMs = std::abs(CGlobalData::LastTabletActionTime.msecsTo(QTime::currentTime()));
-    EXPECT_LT(std::min(skewMs, 86400000 - skewMs), 2000);
-    // Pen button bytes come only with a pen report.
-    data = {};
-    data.eventFlags = kEventPenButtons;
-    data.penButtonMask = 2;
-    data.penButtonState = 1;
-    EXPECT_EQ(report(data).penBtn1, 0);
-    data.eventFlags |= kEventPen;
-    EXPECT_EQ(std::tuple(report(data).penBtn1, report(data).penBtn2), std::tuple(2, 1));
-    const std::vector<std::string> frames = given("frames");
-    EXPECT_TRUE(std::none_of(frames.begin(), frames.end(),
-                             [](const std::string &line) { return line.rfind("pen ", 0) == 0; }));
-}
-
-TEST_F(Engine, DoubleClickPauses)
+TEST_F(Cases, DoubleClickPauses)
 {
     const auto start = std::chrono::steady_clock::now();
     m_input.DoMouseFunc(kMouseDoubleClick, true, false);
