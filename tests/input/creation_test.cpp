@@ -85,19 +85,22 @@ protected:
     {
         m_input.reset();
         fakeuinput::start(m_folder.path().toStdString());
-        fakeuinput::options().version = version;
-        fakeuinput::options().openFailures = openFailures;
+        fakeuinput::state().version = version;
+        fakeuinput::state().openFailures = openFailures;
         capturedlog::lines().clear();
         m_input = std::make_unique<MyInput>();
     }
 
     static Calls callSet(int node)
     {
-        const std::vector<std::string> &calls = fakeuinput::nodes().at(node).calls;
+        const std::vector<std::string> &calls = fakeuinput::state().nodes.at(node).calls;
         return Calls(calls.begin(), calls.end());
     }
 
-    static std::string lastCall(int node) { return fakeuinput::nodes().at(node).calls.back(); }
+    static std::string lastCall(int node)
+    {
+        return fakeuinput::state().nodes.at(node).calls.back();
+    }
 
     void expectDescriptors(int pen, int mouse, int eraser)
     {
@@ -113,13 +116,13 @@ TEST_F(Creation, ModernInitOpensAndSetsUpPenMouseEraser)
 {
     make(5);
     EXPECT_EQ(m_input->Init(), 1);
-    ASSERT_EQ(fakeuinput::nodes().size(), 3u);
+    ASSERT_EQ(fakeuinput::state().nodes.size(), 3u);
     for (int node = 0; node < 3; ++node) {
-        EXPECT_EQ(fakeuinput::nodes()[node].flags, O_WRONLY | O_NONBLOCK);
+        EXPECT_EQ(fakeuinput::state().nodes[node].flags, O_WRONLY | O_NONBLOCK);
         EXPECT_EQ(callSet(node), expected("modern", node)) << node;
         EXPECT_EQ(lastCall(node), "DEV_CREATE");
     }
-    const std::vector<fakeuinput::Node> &nodes = fakeuinput::nodes();
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
     expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
     EXPECT_EQ(m_input->lastDevice(), 0);
     EXPECT_EQ(capturedlog::lines(), (Logs{kOpenOk, kOpenOk, kOpenOk}));
@@ -144,11 +147,11 @@ TEST_F(Creation, OldProtocolWritesARecordThenCreates)
 TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
 {
     make(4);
-    fakeuinput::options().writeLimit = 1000;
+    fakeuinput::state().writeLimit = 1000;
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
-    const std::vector<fakeuinput::Node> &nodes = fakeuinput::nodes();
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
     for (int node = 0; node < 3; ++node)
         EXPECT_EQ(callSet(node), expected("old", node, false)) << node;
     expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
@@ -169,10 +172,10 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     make(5, 0b111);
     EXPECT_EQ(m_input->Init(), 1);
     expectDescriptors(0, 0, 0);
-    EXPECT_EQ(fakeuinput::nodes().size(), 3u);
+    EXPECT_EQ(fakeuinput::state().nodes.size(), 3u);
     EXPECT_EQ(capturedlog::lines(), (Logs{kOpenFailed, kOpenFailed}));
     m_input->CloseUinput();
-    EXPECT_EQ(fakeuinput::strayCalls(), 0);
+    EXPECT_EQ(fakeuinput::state().strayCalls, 0);
 }
 
 TEST_F(Creation, PenOpenFailureIsSilentAndOtherDevicesStillOpen)
@@ -197,14 +200,14 @@ TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
             m_input->CloseUinput();
             expectDescriptors(0, 0, 0);
         }
-        for (const fakeuinput::Node &node : fakeuinput::nodes()) {
+        for (const fakeuinput::Node &node : fakeuinput::state().nodes) {
             EXPECT_EQ(node.calls.back(), "DEV_DESTROY");
             EXPECT_EQ(std::count(node.calls.begin(), node.calls.end(), "DEV_DESTROY"), 1);
             errno = 0;
             EXPECT_EQ(fcntl(node.fd, F_GETFD), -1) << "descriptor still open";
             EXPECT_EQ(errno, EBADF);
         }
-        EXPECT_EQ(fakeuinput::strayCalls(), 0);
+        EXPECT_EQ(fakeuinput::state().strayCalls, 0);
     }
 }
 

@@ -17,22 +17,6 @@ namespace fakeuinput
 namespace
 {
 
-struct State {
-    bool active = false;
-    std::string folder;
-    Options options;
-    std::vector<Node> nodes;
-    std::vector<std::pair<dev_t, ino_t>> files;
-    int strayCalls = 0;
-};
-
-// Never destroyed: the C library may call in after static destructors ran.
-State &state()
-{
-    static State *instance = new State;
-    return *instance;
-}
-
 using OpenFunction = int (*)(const char *, int, ...);
 
 template <typename Function> Function nextSymbol(const char *name)
@@ -50,7 +34,8 @@ Node *nodeFor(int fd)
     if (!s.active || fd <= 0 || fstat(fd, &info) != 0)
         return nullptr;
     for (size_t index = 0; index < s.nodes.size(); ++index) {
-        if (s.nodes[index].fd >= 0 && s.files[index] == std::pair(info.st_dev, info.st_ino))
+        if (s.nodes[index].fd >= 0 &&
+            s.files[index] == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
             return &s.nodes[index];
     }
     return nullptr;
@@ -66,7 +51,7 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     const size_t index = s.nodes.size();
     s.nodes.push_back({flags, -1, {}});
     s.files.push_back({});
-    if (s.options.openFailures & (1u << index)) {
+    if (s.openFailures & (1u << index)) {
         errno = EACCES;
         return -1;
     }
@@ -128,6 +113,12 @@ void describeRecord(Node &node, const void *buffer, size_t count)
 
 } // namespace
 
+State &state()
+{
+    static State *instance = new State;
+    return *instance;
+}
+
 void start(const std::string &folder)
 {
     state() = State{};
@@ -138,21 +129,6 @@ void start(const std::string &folder)
 void stop()
 {
     state().active = false;
-}
-
-Options &options()
-{
-    return state().options;
-}
-
-const std::vector<Node> &nodes()
-{
-    return state().nodes;
-}
-
-int strayCalls()
-{
-    return state().strayCalls;
 }
 
 } // namespace fakeuinput
@@ -182,11 +158,11 @@ extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
     node->calls.push_back(describe(request, argument));
     if (request != UI_GET_VERSION)
         return 0;
-    if (state().options.version < 0) {
+    if (state().version < 0) {
         errno = EINVAL;
         return -1;
     }
-    *static_cast<unsigned *>(argument) = static_cast<unsigned>(state().options.version);
+    *static_cast<unsigned *>(argument) = static_cast<unsigned>(state().version);
     return 0;
 }
 
@@ -194,8 +170,8 @@ extern "C" ssize_t write(int fd, const void *buffer, size_t count)
 {
     static const auto real = nextSymbol<ssize_t (*)(int, const void *, size_t)>("write");
     Node *node = nodeFor(fd);
-    if (node && state().options.writeLimit != 0 && count > state().options.writeLimit)
-        count = state().options.writeLimit;
+    if (node && state().writeLimit != 0 && count > state().writeLimit)
+        count = state().writeLimit;
     if (node)
         describeRecord(*node, buffer, count);
     return real(fd, buffer, count);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Stands in for /dev/uinput inside a test executable, which then defines open, ioctl
@@ -19,19 +20,20 @@ struct Node {
     std::vector<std::string> calls;
 };
 
-void start(const std::string &folder);
-void stop();
-
-struct Options {
+struct State {
     int version = 5;           // the answer to UI_GET_VERSION; negative fails the call
     unsigned openFailures = 0; // bit n fails the open with index n
     size_t writeLimit = 0;     // caps every write to a node; 0 for no cap
+    std::vector<Node> nodes;   // one per open attempt, in order
+    int strayCalls = 0;        // writes and ioctls on descriptors 0 or below
+    bool active = false;
+    std::string folder;
+    std::vector<std::pair<unsigned long, unsigned long>> files; // device and inode of each node
 };
-Options &options(); // reset by start
 
-// One node per open attempt, in order.
-const std::vector<Node> &nodes();
-// Writes and ioctls on descriptors 0 or below while started.
-int strayCalls();
+// Reset by start; never destroyed, as the C library may call in after static destructors ran.
+State &state();
+void start(const std::string &folder);
+void stop();
 
 } // namespace fakeuinput
