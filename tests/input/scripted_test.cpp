@@ -4,6 +4,7 @@
 #include "cglobaldata.h"
 #include "ctipsink.h"
 #include "deviceattributes.h"
+#include "penmath.h"
 #include "tabletdata.h"
 
 #include <QCoreApplication>
@@ -43,7 +44,7 @@ const char *const kDevices[] = {"pen", "mouse", "eraser", "unknown"};
 struct Script {
     std::string name;
     std::string compared;
-    bool driverCalls; // commands call MyInput itself, not the engine
+    char runner; // commands call the engine, the driver (MyInput) or the pen arithmetic
     std::vector<std::pair<std::string, std::vector<std::string>>> steps;
 };
 
@@ -52,17 +53,17 @@ void PrintTo(const Script &script, std::ostream *out)
     *out << script.name;
 }
 
-std::vector<Script> readScripts(const char *path, const std::string &compared, bool driverCalls)
+std::vector<Script> readScripts(const char *path, const std::string &compared, char runner)
 {
     std::vector<Script> scripts;
     std::ifstream in(path);
     if (!in) // a case that fails, naming the file
-        scripts.push_back({"NoCases", "", false, {{std::string("read ") + path, {"-"}}}});
+        scripts.push_back({"NoCases", "", 'e', {{std::string("read ") + path, {"-"}}}});
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#')
             continue;
         if (line.rfind("case ", 0) == 0)
-            scripts.push_back({line.substr(5), compared, driverCalls, {}});
+            scripts.push_back({line.substr(5), compared, runner, {}});
         else if (line.rfind("compare: ", 0) == 0)
             scripts.back().compared = line.substr(9);
         else if (line.rfind("> ", 0) == 0)
@@ -319,6 +320,56 @@ protected:
         }
     }
 
+    // Shows what a function of the pen arithmetic gives.
+    void mathCall(const std::string &verb, const std::string &line)
+    {
+        using namespace penmath;
+        std::istringstream in(line);
+        const DeviceExtent device{10000, 8000, 1000, 800};
+        std::string axes;
+        std::ostringstream out;
+        int64_t a = 0, b = 0, c = 0, d = 0;
+        float e = 0, f = 0, g = 0, h = 0;
+        if (verb == "rotate") {
+            in >> a;
+            const Position p = rotatedPosition({2000, 1000}, device, a);
+            const RotatedAxes r = rotatedAxes(device, a);
+            const Tilt t = rotatedTilt({10, 20}, a);
+            out << p.x << " " << p.y << " " << r.axisW << " " << r.axisH << " " << r.divW << " "
+                << r.divH << " " << int(t.x) << " " << int(t.y);
+        } else if (verb == "area") {
+            in >> a >> b >> axes >> c >> d;
+            const RotatedAxes r = rotatedAxes(device, axes == "turned" ? 1 : 0);
+            const WorkArea w = workArea(100, 100, a, b, 1000, r);
+            out << w.left << " " << w.top << " " << w.width << " " << w.height << " "
+                << holds(w, c, d);
+            if (w.width != 0)
+                out << " " << normalised(c, w.left, w.width, r.axisW) << " "
+                    << normalised(d, w.top, w.height, r.axisH);
+        } else if (verb == "calibrate") {
+            in >> a >> b >> e >> f;
+            out << calibrated(a, b, e, f);
+        } else if (verb == "speed") {
+            in >> a;
+            m_divisor = mouseDivisor(a);
+            m_oldPoint = 1000;
+            m_carry = 0;
+            out << m_divisor;
+        } else if (verb == "step") {
+            in >> a;
+            out << relativeStep(a, m_oldPoint, m_carry, m_divisor);
+        } else if (verb == "pressure") {
+            in >> e >> f >> g >> h >> a >> b >> c;
+            out << curvePressure(b, {e, f, g, h}, a, c);
+        } else {
+            ADD_FAILURE() << "unknown function: " << verb;
+        }
+        m_shown.push_back(out.str());
+    }
+
+    int32_t m_oldPoint = 1000, m_carry = 0;
+    int m_divisor = 0;
+
     // Sets a field of the settings or calls the engine, as the command says.
     void command(const std::string &verb, const Args &args)
     {
@@ -457,7 +508,12 @@ TEST_P(Cases, Steps)
         std::string verb;
         in >> verb;
         const Args args = parse(in);
-        GetParam().driverCalls ? driverCall(verb, args) : command(verb, args);
+        if (GetParam().runner == 'e')
+            command(verb, args);
+        else if (GetParam().runner == 'd')
+            driverCall(verb, args);
+        else
+            mathCall(verb, args.line);
         if (expected.empty())
             continue;
         const bool nothing = expected == std::vector<std::string>{"-"};
@@ -469,10 +525,12 @@ TEST_P(Cases, Steps)
 const auto caseName = [](const auto &info) { return info.param.name; };
 INSTANTIATE_TEST_SUITE_P(Engine, Cases,
                          ::testing::ValuesIn(readScripts(CACTION_CASES, "events tips msgs texts",
-                                                         false)),
+                                                         'e')),
                          caseName);
 INSTANTIATE_TEST_SUITE_P(Driver, Cases,
-                         ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", true)), caseName);
+                         ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", 'd')), caseName);
+INSTANTIATE_TEST_SUITE_P(PenMath, Cases, ::testing::ValuesIn(readScripts(PENMATH_CASES, "", 'm')),
+                         caseName);
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
 // for the desktop's, first in PATH.
