@@ -3,12 +3,14 @@
 #include "capturedlog.h"
 #include "cglobaldata.h"
 #include "ctipsink.h"
+#include "cvtkeycode.h"
 #include "deviceattributes.h"
 #include "penmath.h"
 #include "tabletdata.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QMetaEnum>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -44,7 +46,8 @@ const char *const kDevices[] = {"pen", "mouse", "eraser", "unknown"};
 struct Script {
     std::string name;
     std::string compared;
-    char runner; // commands call the engine, the driver (MyInput) or the pen arithmetic
+    char runner; // commands call the engine, the driver (MyInput), the pen arithmetic or the key
+                 // table
     std::vector<std::pair<std::string, std::vector<std::string>>> steps;
 };
 
@@ -367,6 +370,32 @@ protected:
         m_shown.push_back(out.str());
     }
 
+    // Shows what the key table gives.
+    void keyCall(const std::string &verb, const std::string &line)
+    {
+        std::istringstream in(line);
+        std::string key, combination;
+        unsigned scanCode = 0, virtualKey = 0;
+        in >> key >> scanCode >> std::hex >> virtualKey >> combination;
+        const int qtKey = QMetaEnum::fromType<Qt::Key>().keyToValue(key.c_str());
+        EXPECT_TRUE(key.empty() || qtKey != -1) << line;
+        if (verb == "init") {
+            cvtKeyCode::init();
+        } else if (verb == "release") {
+            cvtKeyCode::release();
+        } else if (verb == "size") {
+            m_shown.push_back(std::to_string(cvtKeyCode::getInputKeyMap().size()));
+        } else if (verb == "code") {
+            m_shown.push_back(std::to_string(cvtKeyCode::getInputKeyCode(qtKey)));
+        } else {
+            const CapturedKey captured = cvtKeyCode::captureKey(
+                qtKey, scanCode, virtualKey,
+                QString::fromStdString(combination == "~" ? "" : combination));
+            m_shown.push_back(captured.token.toStdString() + " " +
+                              (captured.name.isEmpty() ? "~" : captured.name.toStdString()));
+        }
+    }
+
     int32_t m_oldPoint = 1000, m_carry = 0;
     int m_divisor = 0;
 
@@ -512,8 +541,10 @@ TEST_P(Cases, Steps)
             command(verb, args);
         else if (GetParam().runner == 'd')
             driverCall(verb, args);
-        else
+        else if (GetParam().runner == 'm')
             mathCall(verb, args.line);
+        else
+            keyCall(verb, args.line);
         if (expected.empty())
             continue;
         const bool nothing = expected == std::vector<std::string>{"-"};
@@ -530,6 +561,8 @@ INSTANTIATE_TEST_SUITE_P(Engine, Cases,
 INSTANTIATE_TEST_SUITE_P(Driver, Cases,
                          ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", 'd')), caseName);
 INSTANTIATE_TEST_SUITE_P(PenMath, Cases, ::testing::ValuesIn(readScripts(PENMATH_CASES, "", 'm')),
+                         caseName);
+INSTANTIATE_TEST_SUITE_P(KeyTable, Cases, ::testing::ValuesIn(readScripts(KEYCODE_CASES, "", 'k')),
                          caseName);
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
