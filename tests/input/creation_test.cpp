@@ -1,393 +1,249 @@
-#include "actionids.h"
-#include "uinputfixture.h"
+#include "capturedlog.h"
+#include "fakeuinput.h"
+#include "myinput.h"
 
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <linux/input.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
 {
 
-const LogLine kOpenOk{QtDebugMsg, "open uinput ok \n"};
-const LogLine kOpenFailed{QtDebugMsg, "open uinput failed \n"};
-const LogLine kOldKernel{QtInfoMsg, "driver ver < 5"};
-const LogLine kShortRecord{QtDebugMsg, "Error initializing the input device.\n"};
+using Calls = std::set<std::string>;
+using Logs = std::vector<std::string>;
 
-std::vector<std::string> modernPenCalls()
+const std::string kOpenOk = "log D open uinput ok \n";
+const std::string kOpenFailed = "log D open uinput failed \n";
+const std::string kOldKernel = "log I driver ver < 5";
+const std::string kShortRecord = "log D Error initializing the input device.\n";
+
+// creation_calls.txt by section, "modern 0" to "old 2".
+std::map<std::string, Calls> readCalls()
 {
-    std::vector<std::string> expected = {
-        "GET_VERSION",
-        absSetup(0, 0, 52324, 200),
-        absSetup(1, 0, 29600, 200),
-        absSetup(24, 0, 8191, 0),
-        absSetup(8, 0, 71, 0),
-        absSetup(26, -63, 64, 0),
-        absSetup(27, -63, 64, 0),
-        "EVBIT 0",
-        "EVBIT 1",
-        "EVBIT 3",
-        "ABSBIT 0",
-        "ABSBIT 1",
-        "ABSBIT 24",
-        "ABSBIT 26",
-        "ABSBIT 27",
-        "KEYBIT 320",
-        "KEYBIT 321",
-        "KEYBIT 322",
-        "KEYBIT 330",
-        "KEYBIT 331",
-        "KEYBIT 177",
-        "KEYBIT 178",
-        "KEYBIT 272",
-        "KEYBIT 273",
-        "KEYBIT 274",
-        "DEV_SETUP 'NORVA Pen' bus=3 vendor=0x5a3c product=0x2 version=0x100 ff=0",
-        "DEV_CREATE",
-    };
-    return expected;
+    std::map<std::string, Calls> sets;
+    std::ifstream in(CREATION_CALLS);
+    std::string section;
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line);
+        std::string kind, range;
+        words >> kind;
+        if (line.empty() || line[0] == '#') {
+            continue;
+        } else if (line[0] == '[') {
+            section = line.substr(1, line.size() - 2);
+        } else if (kind.find("BIT") == std::string::npos) {
+            sets[section].insert(line);
+        }
+        while (kind.find("BIT") != std::string::npos && words >> range) {
+            const size_t dash = range.find('-');
+            const int first = std::stoi(range.substr(0, dash));
+            const int last = dash == std::string::npos ? first : std::stoi(range.substr(dash + 1));
+            for (int bit = first; bit <= last; ++bit)
+                sets[section].insert(kind + " " + std::to_string(bit));
+        }
+    }
+    return sets;
 }
 
-// The mouse enables EV_KEY a second time just before its keys.
-std::vector<std::string> mouseCapabilityCalls()
-{
-    std::vector<std::string> expected = {"EVBIT 0",  "EVBIT 1",  "EVBIT 2", "RELBIT 0",
-                                         "RELBIT 1", "RELBIT 8", "EVBIT 1"};
-    append(expected, bitRange("KEYBIT", 0, 256));
-    append(expected, {"KEYBIT 272", "KEYBIT 273", "KEYBIT 274"});
-    return expected;
-}
+const std::map<std::string, Calls> kCalls = readCalls();
 
-std::vector<std::string> modernMouseCalls()
+Calls expected(const char *protocol, int node, bool created = true)
 {
-    std::vector<std::string> expected = {"GET_VERSION"};
-    append(expected, mouseCapabilityCalls());
-    append(expected, {"DEV_SETUP 'NORVA Mouse' bus=3 vendor=0x5a3c product=0x2 version=0x100 ff=0",
-                      "DEV_CREATE"});
-    return expected;
-}
-
-std::vector<std::string> modernEraserCalls()
-{
-    return {
-        "GET_VERSION",
-        absSetup(0, 0, 52324, 200),
-        absSetup(1, 0, 29600, 200),
-        absSetup(24, 0, 8191, 0),
-        absSetup(26, -63, 64, 0),
-        absSetup(27, -63, 64, 0),
-        "EVBIT 0",
-        "EVBIT 1",
-        "EVBIT 3",
-        "ABSBIT 0",
-        "ABSBIT 1",
-        "ABSBIT 24",
-        "ABSBIT 26",
-        "ABSBIT 27",
-        "KEYBIT 321",
-        "KEYBIT 330",
-        "KEYBIT 331",
-        "KEYBIT 272",
-        "KEYBIT 273",
-        "KEYBIT 274",
-        "DEV_SETUP 'NORVA Eraser' bus=3 vendor=0x5a3c product=0x2 version=0x100 ff=0",
-        "DEV_CREATE",
-    };
-}
-
-std::vector<std::string> oldPenCalls()
-{
-    std::vector<std::string> expected = {"GET_VERSION", "EVBIT 0",   "EVBIT 1",
-                                         "EVBIT 3",     "ABSBIT 0",  "ABSBIT 1",
-                                         "ABSBIT 24",   "ABSBIT 26", "ABSBIT 27"};
-    append(expected, bitRange("KEYBIT", 320, 328));
-    append(expected, {"KEYBIT 331", "KEYBIT 330", "KEYBIT 272", "KEYBIT 273", "KEYBIT 274"});
-    return expected;
-}
-
-std::vector<std::string> oldMouseCalls()
-{
-    std::vector<std::string> expected = {"GET_VERSION"};
-    append(expected, mouseCapabilityCalls());
-    return expected;
-}
-
-// The eraser of the old path enables EV_KEY twice too, and 321 twice.
-std::vector<std::string> oldEraserCalls()
-{
-    std::vector<std::string> expected = {"GET_VERSION", "EVBIT 0",  "EVBIT 1",   "EVBIT 3",
-                                         "ABSBIT 0",    "ABSBIT 1", "ABSBIT 24", "ABSBIT 26",
-                                         "ABSBIT 27",   "EVBIT 1",  "KEYBIT 321"};
-    append(expected, bitRange("KEYBIT", 320, 335));
-    append(expected, {"KEYBIT 272", "KEYBIT 273", "KEYBIT 274"});
-    return expected;
-}
-
-std::vector<std::string> withCreate(std::vector<std::string> calls)
-{
-    calls.push_back("DEV_CREATE");
+    Calls calls = kCalls.at(std::string(protocol) + " " + std::to_string(node));
+    if (!created)
+        calls.erase("DEV_CREATE");
     return calls;
 }
 
-std::vector<int> values(const int32_t (&array)[ABS_CNT])
-{
-    return std::vector<int>(array, array + ABS_CNT);
-}
-
-// Absolute ranges of the old record: no ABS_WHEEL there.
-std::vector<int> oldAbsMax()
-{
-    std::vector<int> expected(ABS_CNT, 0);
-    expected[0] = 52324;
-    expected[1] = 29600;
-    expected[24] = 8191;
-    expected[26] = 64;
-    expected[27] = 64;
-    return expected;
-}
-
-std::vector<int> oldAbsMin()
-{
-    std::vector<int> expected(ABS_CNT, 0);
-    expected[26] = -63;
-    expected[27] = -63;
-    return expected;
-}
-
-std::string paddedName(const char *name)
-{
-    std::string expected(UINPUT_MAX_NAME_SIZE, '\0');
-    expected.replace(0, std::strlen(name), name);
-    return expected;
-}
-
-class Creation : public UinputTest
+class Creation : public ::testing::Test
 {
 protected:
-    void useOldProtocol(int version)
+    void SetUp() override
     {
-        fakeuinput::setVersion(version);
+        ASSERT_TRUE(m_folder.isValid());
+        capturedlog::install();
+    }
+
+    void TearDown() override
+    {
+        m_input.reset();
+        fakeuinput::stop();
+    }
+
+    void make(int version, unsigned openFailures = 0)
+    {
+        m_input.reset();
+        fakeuinput::start(m_folder.path().toStdString());
+        fakeuinput::state().version = version;
+        fakeuinput::state().openFailures = openFailures;
+        capturedlog::lines().clear();
         m_input = std::make_unique<MyInput>();
     }
 
-    static uinput_user_dev record(int node)
+    static Calls callSet(int node)
     {
-        uinput_user_dev result{};
-        const std::string data = bytes(node);
-        EXPECT_GE(data.size(), sizeof result);
-        std::memcpy(&result, data.data(), std::min(data.size(), sizeof result));
-        return result;
+        const std::vector<std::string> &calls = fakeuinput::state().nodes.at(node).calls;
+        return Calls(calls.begin(), calls.end());
     }
 
-    static void expectIdentity(const uinput_user_dev &device, const char *name)
+    static std::string lastCall(int node)
     {
-        EXPECT_EQ(std::string(device.name, sizeof device.name), paddedName(name));
-        EXPECT_EQ(device.id.bustype, 3);
-        EXPECT_EQ(device.id.vendor, 0x5A3C);
-        EXPECT_EQ(device.id.product, 2);
-        EXPECT_EQ(device.id.version, 1);
-        EXPECT_EQ(device.ff_effects_max, 0u);
-        EXPECT_EQ(values(device.absfuzz), std::vector<int>(ABS_CNT, 0));
-        EXPECT_EQ(values(device.absflat), std::vector<int>(ABS_CNT, 0));
+        return fakeuinput::state().nodes.at(node).calls.back();
     }
+
+    void expectDescriptors(int pen, int mouse, int eraser)
+    {
+        EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
+                  std::tuple(pen, mouse, eraser));
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<MyInput> m_input;
 };
 
-TEST_F(Creation, InitOpensPenMouseEraserWriteOnlyAndNonBlocking)
+TEST_F(Creation, ModernInitOpensAndSetsUpPenMouseEraser)
 {
-    m_input = std::make_unique<MyInput>();
+    make(5);
     EXPECT_EQ(m_input->Init(), 1);
-    ASSERT_EQ(fakeuinput::nodeCount(), 3);
-    for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(fakeuinput::nodeFlags(node), O_WRONLY | O_NONBLOCK) << node;
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->absFd()), kPenNode);
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->relFd()), kMouseNode);
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->eraserFd()), kEraserNode);
-    EXPECT_EQ(m_input->lastDevice(), 0);
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk, kOpenOk}));
-}
-
-// Version 5 is the first modern one; the eraser has no wheel axis.
-TEST_F(Creation, ModernSetupSetsUpAxesBitsAndIdentity)
-{
-    fakeuinput::setVersion(5);
-    m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->Init(), 1);
-    EXPECT_EQ(calls(kPenNode), modernPenCalls());
-    EXPECT_EQ(calls(kMouseNode), modernMouseCalls());
-    EXPECT_EQ(calls(kEraserNode), modernEraserCalls());
-    for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(bytes(node), "") << node;
-}
-
-TEST_F(Creation, ModernSetupNamesAreZeroPadded)
-{
-    initDevices();
-    const char *names[] = {"NORVA Pen", "NORVA Mouse", "NORVA Eraser"};
+    ASSERT_EQ(fakeuinput::state().nodes.size(), 3u);
     for (int node = 0; node < 3; ++node) {
-        const std::vector<fakeuinput::IoctlCall> all = fakeuinput::ioctls(node);
-        ASSERT_GE(all.size(), 2u);
-        const fakeuinput::IoctlCall &setup = all[all.size() - 2];
-        ASSERT_EQ(setup.request, UI_DEV_SETUP);
-        EXPECT_EQ(std::string(setup.setup.name, sizeof setup.setup.name), paddedName(names[node]));
+        EXPECT_EQ(fakeuinput::state().nodes[node].flags, O_WRONLY | O_NONBLOCK);
+        EXPECT_EQ(callSet(node), expected("modern", node)) << node;
+        EXPECT_EQ(lastCall(node), "DEV_CREATE");
     }
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
+    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
+    EXPECT_EQ(m_input->lastDevice(), 0);
+    EXPECT_EQ(capturedlog::lines(), (Logs{kOpenOk, kOpenOk, kOpenOk}));
 }
 
-TEST_F(Creation, OldPenWritesItsRecordThenCreates)
+// A failing version query takes the old path too.
+TEST_F(Creation, OldProtocolWritesARecordThenCreates)
 {
-    useOldProtocol(4);
-    EXPECT_EQ(m_input->OpenAbsUinput(), 1);
-    EXPECT_EQ(calls(0), withCreate(oldPenCalls()));
-    EXPECT_EQ(fakeuinput::writeSizes(0), std::vector<size_t>{1116});
-    ASSERT_EQ(bytes(0).size(), 1116u);
-    const uinput_user_dev device = record(0);
-    expectIdentity(device, "NORVA Pen");
-    EXPECT_EQ(values(device.absmax), oldAbsMax());
-    EXPECT_EQ(values(device.absmin), oldAbsMin());
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOldKernel, kOpenOk}));
-}
-
-TEST_F(Creation, OldMouseRecordHasNoAxes)
-{
-    useOldProtocol(4);
-    EXPECT_EQ(m_input->OpenRelUinput(), 1);
-    EXPECT_EQ(calls(0), withCreate(oldMouseCalls()));
-    ASSERT_EQ(bytes(0).size(), 1116u);
-    const uinput_user_dev device = record(0);
-    expectIdentity(device, "NORVA Mouse");
-    EXPECT_EQ(values(device.absmax), std::vector<int>(ABS_CNT, 0));
-    EXPECT_EQ(values(device.absmin), std::vector<int>(ABS_CNT, 0));
-    EXPECT_EQ(logs(), std::vector<LogLine>{kOpenOk});
-}
-
-TEST_F(Creation, OldEraserRecordAndKeys)
-{
-    useOldProtocol(4);
-    EXPECT_EQ(m_input->OpenAbsEraserUinput(), 1);
-    EXPECT_EQ(calls(0), withCreate(oldEraserCalls()));
-    ASSERT_EQ(bytes(0).size(), 1116u);
-    const uinput_user_dev device = record(0);
-    expectIdentity(device, "NORVA Eraser");
-    EXPECT_EQ(values(device.absmax), oldAbsMax());
-    EXPECT_EQ(values(device.absmin), oldAbsMin());
-    EXPECT_EQ(logs(), std::vector<LogLine>{kOpenOk});
-}
-
-TEST_F(Creation, FailingVersionQueryTakesTheOldPath)
-{
-    useOldProtocol(-1);
-    EXPECT_EQ(m_input->Init(), 1);
-    EXPECT_EQ(calls(kPenNode), withCreate(oldPenCalls()));
-    EXPECT_EQ(calls(kMouseNode), withCreate(oldMouseCalls()));
-    EXPECT_EQ(calls(kEraserNode), withCreate(oldEraserCalls()));
-    for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(bytes(node).size(), 1116u) << node;
+    for (int version : {4, -1}) {
+        make(version);
+        EXPECT_EQ(m_input->Init(), 1);
+        for (int node = 0; node < 3; ++node) {
+            EXPECT_EQ(callSet(node), expected("old", node)) << version << " " << node;
+            EXPECT_EQ(lastCall(node), "DEV_CREATE");
+        }
+        if (version == 4) {
+            EXPECT_EQ(capturedlog::lines(), (Logs{kOldKernel, kOpenOk, kOpenOk, kOpenOk}));
+        }
+    }
 }
 
 TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
 {
-    useOldProtocol(4);
-    fakeuinput::setWriteLimit(1000);
+    make(4);
+    fakeuinput::state().writeLimit = 1000;
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
-    EXPECT_EQ(calls(kPenNode), oldPenCalls());
-    EXPECT_EQ(calls(kMouseNode), oldMouseCalls());
-    EXPECT_EQ(calls(kEraserNode), oldEraserCalls());
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->absFd()), kPenNode);
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->relFd()), kMouseNode);
-    EXPECT_EQ(fakeuinput::nodeOf(m_input->eraserFd()), kEraserNode);
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
+    const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
+    for (int node = 0; node < 3; ++node)
+        EXPECT_EQ(callSet(node), expected("old", node, false)) << node;
+    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
+    EXPECT_EQ(capturedlog::lines(), (Logs{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
+    m_input->CloseUinput();
+    EXPECT_EQ(lastCall(0), "DEV_DESTROY");
+    EXPECT_EQ(m_input->absFd(), 0);
 }
 
+// The pen tells nothing when its open fails; closing leaves devices that did not open alone.
+// (What they are sent is dropped: the driver cases.)
 TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
 {
-    fakeuinput::setOpenFailures(0b111);
-    m_input = std::make_unique<MyInput>();
-    EXPECT_EQ(m_input->Init(), 1);
-    EXPECT_EQ(m_input->absFd(), 0);
-    EXPECT_EQ(m_input->relFd(), 0);
-    EXPECT_EQ(m_input->eraserFd(), 0);
-    EXPECT_EQ(fakeuinput::nodeCount(), 3);
-    // The pen tells nothing when its open fails.
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenFailed, kOpenFailed}));
-
-    m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, false);
-    m_input->UpdateDigit(0xA1, 100, 200, 300, 1, 2, true);
-    m_input->UpdateDigit(0xC0, 100, 200, 300, 1, 2, false);
-    m_input->UpdateRelMouse(1, 3, 4);
-    m_input->UpdateWheelRel(m_input->relFd(), 1);
-    m_input->KeyEvent(30, true);
-    for (int id = kMouseLeftClick; id <= kMouseWheelDown; ++id)
-        m_input->DoMouseFunc(id, true, false);
-    m_input->ActionLibrary(7, true);
-    m_input->RingActionLibrary(1, true);
-    m_input->CloseUinput();
-    EXPECT_EQ(fakeuinput::strayCalls(), 0);
-    EXPECT_TRUE(fakeuinput::callOrder().empty());
-}
-
-TEST_F(Creation, SingleOpenFailuresReturnZero)
-{
-    fakeuinput::setOpenFailures(0b111);
-    m_input = std::make_unique<MyInput>();
+    make(5, 0b111);
     EXPECT_EQ(m_input->OpenAbsUinput(), 0);
     EXPECT_EQ(m_input->OpenRelUinput(), 0);
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
+    make(5, 0b111);
+    EXPECT_EQ(m_input->Init(), 1);
+    expectDescriptors(0, 0, 0);
+    EXPECT_EQ(fakeuinput::state().nodes.size(), 3u);
+    EXPECT_EQ(capturedlog::lines(), (Logs{kOpenFailed, kOpenFailed}));
+    m_input->CloseUinput();
+    EXPECT_EQ(fakeuinput::state().strayCalls, 0);
 }
 
 TEST_F(Creation, PenOpenFailureIsSilentAndOtherDevicesStillOpen)
 {
-    fakeuinput::setOpenFailures(0b001);
-    m_input = std::make_unique<MyInput>();
+    make(5, 0b001);
     EXPECT_EQ(m_input->Init(), 1);
     EXPECT_EQ(m_input->absFd(), 0);
-    EXPECT_FALSE(fakeuinput::nodeOpened(kPenNode));
-    EXPECT_EQ(calls(kMouseNode), modernMouseCalls());
-    EXPECT_EQ(calls(kEraserNode), modernEraserCalls());
-    EXPECT_EQ(logs(), (std::vector<LogLine>{kOpenOk, kOpenOk}));
+    EXPECT_EQ(callSet(1), expected("modern", 1));
+    EXPECT_EQ(callSet(2), expected("modern", 2));
+    EXPECT_EQ(capturedlog::lines(), (Logs{kOpenOk, kOpenOk}));
 }
 
-TEST_F(Creation, CloseDestroysAndClosesInOrderOnce)
+TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
 {
-    initDevices();
-    const int fds[] = {m_input->absFd(), m_input->relFd(), m_input->eraserFd()};
-    const size_t before = fakeuinput::callOrder().size();
-    m_input->CloseUinput();
-    const std::vector<fakeuinput::NodeCall> order = fakeuinput::callOrder();
-    ASSERT_EQ(order.size(), before + 3);
-    for (int node = 0; node < 3; ++node) {
-        EXPECT_EQ(order[before + node].node, node);
-        EXPECT_EQ(order[before + node].request, UI_DEV_DESTROY);
-        errno = 0;
-        EXPECT_EQ(fcntl(fds[node], F_GETFD), -1) << "descriptor still open: " << node;
-        EXPECT_EQ(errno, EBADF);
+    for (bool destructor : {false, true}) {
+        make(5);
+        m_input->Init();
+        if (destructor) {
+            m_input.reset();
+        } else {
+            m_input->CloseUinput();
+            m_input->CloseUinput();
+            expectDescriptors(0, 0, 0);
+        }
+        for (const fakeuinput::Node &node : fakeuinput::state().nodes) {
+            EXPECT_EQ(node.calls.back(), "DEV_DESTROY");
+            EXPECT_EQ(std::count(node.calls.begin(), node.calls.end(), "DEV_DESTROY"), 1);
+            errno = 0;
+            EXPECT_EQ(fcntl(node.fd, F_GETFD), -1) << "descriptor still open";
+            EXPECT_EQ(errno, EBADF);
+        }
+        EXPECT_EQ(fakeuinput::state().strayCalls, 0);
     }
-    EXPECT_EQ(m_input->absFd(), 0);
-    EXPECT_EQ(m_input->relFd(), 0);
-    EXPECT_EQ(m_input->eraserFd(), 0);
-
-    m_input->CloseUinput();
-    EXPECT_EQ(fakeuinput::callOrder().size(), before + 3);
-    EXPECT_EQ(fakeuinput::strayCalls(), 0);
 }
 
-TEST_F(Creation, DestructorClosesTheDevices)
+// The remembered tool is process-wide and starts at 0, and no test here writes a frame: each
+// leave runs in a child forked from that fresh state, with only the watched device open.
+// What that device got, as (code, value) pairs.
+std::vector<std::pair<int, int>> firstLeave(bool eraser, bool watchEraser)
 {
-    initDevices();
-    m_input.reset();
-    for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(calls(node).back(), "DEV_DESTROY") << node;
+    const int fd = memfd_create("device", 0);
+    if (fork() == 0) {
+        MyInput input;
+        input.AttachDevices(watchEraser ? 0 : fd, 0, watchEraser ? fd : 0);
+        input.UpdateDigit(0xC0, 11, 22, 333, 4, -5, eraser);
+        input.AttachDevices(0, 0, 0);
+        _exit(0);
+    }
+    wait(nullptr);
+    std::vector<std::pair<int, int>> events;
+    input_event event{};
+    for (off_t at = 0; pread(fd, &event, sizeof event, at) == sizeof event; at += sizeof event)
+        events.push_back({event.code, event.value});
+    close(fd);
+    return events;
 }
 
-TEST_F(Creation, CloseAfterShortRecordStillDestroysTheOpenDescriptor)
+TEST(FirstFrame, LeaveBeforeAnyFrameFollowsTheEraserFlag)
 {
-    useOldProtocol(4);
-    fakeuinput::setWriteLimit(1000);
-    m_input->OpenAbsUinput();
-    m_input->CloseUinput();
-    EXPECT_EQ(calls(kPenNode).back(), "DEV_DESTROY");
-    EXPECT_EQ(m_input->absFd(), 0);
+    const auto frame = [](int tool) {
+        return std::vector<std::pair<int, int>>{
+            {tool, 0},       {ABS_X, 11},      {ABS_Y, 22},    {ABS_PRESSURE, 0},
+            {ABS_TILT_X, 4}, {ABS_TILT_Y, -5}, {BTN_TOUCH, 0}, {SYN_REPORT, 0}};
+    };
+    EXPECT_EQ(firstLeave(false, false), frame(BTN_TOOL_PEN));
+    EXPECT_TRUE(firstLeave(false, true).empty());
+    EXPECT_TRUE(firstLeave(true, false).empty());
+    EXPECT_EQ(firstLeave(true, true), frame(BTN_TOOL_RUBBER));
 }
 
 } // namespace

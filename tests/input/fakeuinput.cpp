@@ -1,12 +1,14 @@
 #include "fakeuinput.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/ioctl.h>
+#include <linux/uinput.h>
+#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,210 +17,118 @@ namespace fakeuinput
 namespace
 {
 
-struct Node {
-    std::string path;
-    bool opened = false;
-    int flags = 0;
-    dev_t device = 0;
-    ino_t inode = 0;
-    std::vector<IoctlCall> calls;
-    std::vector<size_t> writes;
-};
-
-struct State {
-    bool active = false;
-    std::string folder;
-    int version = UINPUT_VERSION;
-    unsigned openFailures = 0;
-    size_t writeLimit = 0;
-    std::vector<Node> nodes;
-    std::vector<NodeCall> order;
-    int strayCalls = 0;
-};
-
-// Never destroyed: the C library may call in after static destructors ran.
-State &state()
-{
-    static State *instance = new State;
-    return *instance;
-}
-
 using OpenFunction = int (*)(const char *, int, ...);
-using IoctlFunction = int (*)(int, unsigned long, ...);
-using WriteFunction = ssize_t (*)(int, const void *, size_t);
 
 template <typename Function> Function nextSymbol(const char *name)
 {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-// Nodes are told by their file identity, so a reused descriptor number never matches.
-int nodeIndexFor(int fd)
-{
-    const State &s = state();
-    struct stat info = {};
-    if (!s.active || fd < 0 || fstat(fd, &info) != 0)
-        return -1;
-    for (size_t index = 0; index < s.nodes.size(); ++index) {
-        const Node &node = s.nodes[index];
-        if (node.opened && node.device == info.st_dev && node.inode == info.st_ino)
-            return static_cast<int>(index);
-    }
-    return -1;
-}
-
-void countStray(int fd)
-{
-    if (state().active && fd <= 0)
-        ++state().strayCalls;
-}
-
-int openNode(OpenFunction real, int flags)
+// Told by file identity, so that a reused descriptor number is no node.
+Node *nodeFor(int fd)
 {
     State &s = state();
-    const int index = static_cast<int>(s.nodes.size());
-    s.nodes.push_back({});
-    Node &node = s.nodes.back();
-    node.flags = flags;
-    if (s.openFailures & (1u << index)) {
-        errno = EACCES;
-        return -1;
-    }
-    node.path = s.folder + "/uinput" + std::to_string(index);
-    const int fd = real(node.path.c_str(), flags | O_CREAT | O_TRUNC, 0600);
     struct stat info = {};
-    if (fd < 0)
-        return fd;
-    fstat(fd, &info);
-    node.opened = true;
-    node.device = info.st_dev;
-    node.inode = info.st_ino;
-    return fd;
+    if (s.active && fd <= 0)
+        ++s.strayCalls;
+    if (!s.active || fd <= 0 || fstat(fd, &info) != 0)
+        return nullptr;
+    for (size_t index = 0; index < s.nodes.size(); ++index) {
+        if (s.nodes[index].fd >= 0 &&
+            s.files[index] == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
+            return &s.nodes[index];
+    }
+    return nullptr;
 }
 
 int openFile(OpenFunction real, const char *path, int flags, va_list args)
 {
-    mode_t mode = 0;
-    if ((flags & O_CREAT) || (flags & O_TMPFILE) == O_TMPFILE)
-        mode = va_arg(args, mode_t);
-    if (state().active && path && std::strcmp(path, "/dev/uinput") == 0)
-        return openNode(real, flags);
-    return real(path, flags, mode);
-}
-
-int answer(int nodeIndex, unsigned long request, void *argument)
-{
+    const mode_t mode =
+        (flags & O_CREAT) || (flags & O_TMPFILE) == O_TMPFILE ? va_arg(args, int) : 0;
     State &s = state();
-    Node &node = s.nodes[static_cast<size_t>(nodeIndex)];
-    IoctlCall call;
-    call.request = request;
-    s.order.push_back({nodeIndex, request});
-    switch (request) {
-    case UI_GET_VERSION:
-        node.calls.push_back(call);
-        if (s.version < 0) {
-            errno = EINVAL;
-            return -1;
-        }
-        *static_cast<unsigned *>(argument) = static_cast<unsigned>(s.version);
-        return 0;
-    case UI_DEV_SETUP:
-        std::memcpy(&call.setup, argument, sizeof call.setup);
-        break;
-    case UI_ABS_SETUP:
-        std::memcpy(&call.absSetup, argument, sizeof call.absSetup);
-        break;
-    case UI_SET_EVBIT:
-    case UI_SET_KEYBIT:
-    case UI_SET_ABSBIT:
-    case UI_SET_RELBIT:
-        call.value = static_cast<int>(reinterpret_cast<intptr_t>(argument));
-        break;
-    default:
-        break;
+    if (!s.active || !path || std::strcmp(path, "/dev/uinput") != 0)
+        return real(path, flags, mode);
+    const size_t index = s.nodes.size();
+    s.nodes.push_back({flags, -1, {}});
+    s.files.push_back({});
+    if (s.openFailures & (1u << index)) {
+        errno = EACCES;
+        return -1;
     }
-    node.calls.push_back(call);
-    return 0;
+    const std::string node = s.folder + "/uinput" + std::to_string(index);
+    const int fd = real(node.c_str(), flags | O_CREAT | O_TRUNC, 0600);
+    struct stat info = {};
+    if (fd >= 0 && fstat(fd, &info) == 0) {
+        s.nodes[index].fd = fd;
+        s.files[index] = {info.st_dev, info.st_ino};
+    }
+    return fd;
 }
 
-const Node &nodeAt(int node)
+std::string describe(unsigned long request, void *argument)
 {
-    return state().nodes.at(static_cast<size_t>(node));
+    static const std::pair<unsigned long, const char *> kNames[] = {
+        {UI_GET_VERSION, "GET_VERSION"}, {UI_DEV_CREATE, "DEV_CREATE"},
+        {UI_DEV_DESTROY, "DEV_DESTROY"}, {UI_SET_EVBIT, "EVBIT "},
+        {UI_SET_KEYBIT, "KEYBIT "},      {UI_SET_ABSBIT, "ABSBIT "},
+        {UI_SET_RELBIT, "RELBIT "},      {UI_ABS_SETUP, "ABS_SETUP "},
+        {UI_DEV_SETUP, "DEV_SETUP "}};
+    std::ostringstream out;
+    for (const auto &[known, name] : kNames) {
+        if (known == request)
+            out << name;
+    }
+    const auto *setup = static_cast<const uinput_setup *>(argument);
+    const auto *abs = static_cast<const uinput_abs_setup *>(argument);
+    if (request == UI_ABS_SETUP)
+        out << abs->code << " " << abs->absinfo.minimum << " " << abs->absinfo.maximum << " "
+            << abs->absinfo.resolution;
+    else if (request == UI_DEV_SETUP)
+        out << "'" << setup->name << "' " << std::hex << setup->id.bustype << " "
+            << setup->id.vendor << " " << setup->id.product << " " << setup->id.version;
+    else if (out.str().back() == ' ') // the bit of UI_SET_*BIT
+        out << reinterpret_cast<intptr_t>(argument);
+    return out.str().empty() ? "ioctl " + std::to_string(request) : out.str();
+}
+
+// The record lists its name and id, then each axis with a range.
+void describeRecord(Node &node, const void *buffer, size_t count)
+{
+    uinput_user_dev record{};
+    std::memcpy(&record, buffer, std::min(count, sizeof record));
+    std::ostringstream out;
+    out << "RECORD '" << std::string(record.name, strnlen(record.name, sizeof record.name)) << "' "
+        << std::hex << record.id.bustype << " " << record.id.vendor << " " << record.id.product
+        << " " << record.id.version << std::dec;
+    node.calls.push_back(out.str());
+    for (int axis = 0; axis < ABS_CNT; ++axis) {
+        if (record.absmin[axis] || record.absmax[axis] || record.absfuzz[axis] ||
+            record.absflat[axis])
+            node.calls.push_back("RECORD_ABS " + std::to_string(axis) + " " +
+                                 std::to_string(record.absmin[axis]) + " " +
+                                 std::to_string(record.absmax[axis]) + " " +
+                                 std::to_string(record.absfuzz[axis] + record.absflat[axis]));
+    }
 }
 
 } // namespace
 
+State &state()
+{
+    static State *instance = new State;
+    return *instance;
+}
+
 void start(const std::string &folder)
 {
-    State &s = state();
-    s = State{};
-    s.folder = folder;
-    s.active = true;
+    state() = State{};
+    state().folder = folder;
+    state().active = true;
 }
 
 void stop()
 {
     state().active = false;
-}
-
-void setVersion(int version)
-{
-    state().version = version;
-}
-
-void setOpenFailures(unsigned mask)
-{
-    state().openFailures = mask;
-}
-
-void setWriteLimit(size_t bytes)
-{
-    state().writeLimit = bytes;
-}
-
-int nodeCount()
-{
-    return static_cast<int>(state().nodes.size());
-}
-
-bool nodeOpened(int node)
-{
-    return nodeAt(node).opened;
-}
-
-int nodeFlags(int node)
-{
-    return nodeAt(node).flags;
-}
-
-std::string nodePath(int node)
-{
-    return nodeAt(node).path;
-}
-
-int nodeOf(int fd)
-{
-    return nodeIndexFor(fd);
-}
-
-std::vector<IoctlCall> ioctls(int node)
-{
-    return nodeAt(node).calls;
-}
-
-std::vector<size_t> writeSizes(int node)
-{
-    return nodeAt(node).writes;
-}
-
-std::vector<NodeCall> callOrder()
-{
-    return state().order;
-}
-
-int strayCalls()
-{
-    return state().strayCalls;
 }
 
 } // namespace fakeuinput
@@ -235,40 +145,34 @@ extern "C" int open(const char *path, int flags, ...)
     return fd;
 }
 
-extern "C" int open64(const char *path, int flags, ...)
-{
-    static const auto real = nextSymbol<OpenFunction>("open64");
-    va_list args;
-    va_start(args, flags);
-    const int fd = openFile(real, path, flags, args);
-    va_end(args);
-    return fd;
-}
-
 extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 {
-    static const auto real = nextSymbol<IoctlFunction>("ioctl");
+    static const auto real = nextSymbol<int (*)(int, unsigned long, ...)>("ioctl");
     va_list args;
     va_start(args, request);
     void *argument = va_arg(args, void *);
     va_end(args);
-    countStray(fd);
-    const int node = nodeIndexFor(fd);
-    if (node < 0)
+    Node *node = nodeFor(fd);
+    if (!node)
         return real(fd, request, argument);
-    return answer(node, request, argument);
+    node->calls.push_back(describe(request, argument));
+    if (request != UI_GET_VERSION)
+        return 0;
+    if (state().version < 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    *static_cast<unsigned *>(argument) = static_cast<unsigned>(state().version);
+    return 0;
 }
 
 extern "C" ssize_t write(int fd, const void *buffer, size_t count)
 {
-    static const auto real = nextSymbol<WriteFunction>("write");
-    countStray(fd);
-    const int node = nodeIndexFor(fd);
-    if (node >= 0) {
-        State &s = state();
-        if (s.writeLimit != 0 && count > s.writeLimit)
-            count = s.writeLimit;
-        s.nodes[static_cast<size_t>(node)].writes.push_back(count);
-    }
+    static const auto real = nextSymbol<ssize_t (*)(int, const void *, size_t)>("write");
+    Node *node = nodeFor(fd);
+    if (node && state().writeLimit != 0 && count > state().writeLimit)
+        count = state().writeLimit;
+    if (node)
+        describeRecord(*node, buffer, count);
     return real(fd, buffer, count);
 }

@@ -1,49 +1,39 @@
 #pragma once
 
 #include <cstddef>
-#include <linux/uinput.h>
 #include <string>
+#include <utility>
 #include <vector>
 
-// Stands in for /dev/uinput inside a test executable. The executable defines open, open64,
-// ioctl and write: while started, every open of "/dev/uinput" creates a fresh regular file
-// in the given folder (a "node"), uinput ioctls on a node are recorded and answered here,
-// and everything else goes on to the C library.
+// Stands in for /dev/uinput inside a test executable, which then defines open, ioctl
+// and write: while started, every open of "/dev/uinput" makes a fresh file in the given
+// folder (a "node"); uinput ioctls and writes on a node are answered and described here,
+// everything else goes on to the C library.
 namespace fakeuinput
 {
 
-struct IoctlCall {
-    unsigned long request = 0;
-    int value = 0;               // the argument of UI_SET_*BIT
-    uinput_setup setup{};        // UI_DEV_SETUP
-    uinput_abs_setup absSetup{}; // UI_ABS_SETUP
+struct Node {
+    int flags = 0;
+    int fd = -1; // -1 when the open failed
+    // "GET_VERSION", "KEYBIT 330", "ABS_SETUP code min max resolution", "DEV_SETUP 'name'
+    // bus vendor product version", "RECORD ..." for the record of old kernels, in order.
+    std::vector<std::string> calls;
 };
 
-struct NodeCall {
-    int node;
-    unsigned long request;
+struct State {
+    int version = 5;           // the answer to UI_GET_VERSION; negative fails the call
+    unsigned openFailures = 0; // bit n fails the open with index n
+    size_t writeLimit = 0;     // caps every write to a node; 0 for no cap
+    std::vector<Node> nodes;   // one per open attempt, in order
+    int strayCalls = 0;        // writes and ioctls on descriptors 0 or below
+    bool active = false;
+    std::string folder;
+    std::vector<std::pair<unsigned long, unsigned long>> files; // device and inode of each node
 };
 
+// Reset by start; never destroyed, as the C library may call in after static destructors ran.
+State &state();
 void start(const std::string &folder);
 void stop();
-
-// The answer to UI_GET_VERSION; a negative version makes the call fail.
-void setVersion(int version);
-// Bit n makes the open with index n (counted from start) fail.
-void setOpenFailures(unsigned mask);
-// Caps every write to a node at this many bytes; 0 for no cap.
-void setWriteLimit(size_t bytes);
-
-// One node per open attempt, in order; failed attempts keep their index.
-int nodeCount();
-bool nodeOpened(int node);
-int nodeFlags(int node);
-std::string nodePath(int node);
-int nodeOf(int fd); // -1 when fd is no node
-std::vector<IoctlCall> ioctls(int node);
-std::vector<size_t> writeSizes(int node);
-std::vector<NodeCall> callOrder();
-// Writes and ioctls on descriptors 0 or below while started.
-int strayCalls();
 
 } // namespace fakeuinput

@@ -81,16 +81,6 @@ protected:
     TabletDataEX m_Report{};
 };
 
-TEST_F(QueuedStages, DirectRouteMapsTheMiddleOfTheTablet)
-{
-    const _MultiData result = direct();
-    // The middle maps to the middle: 52324 / 2 and 29600 / 2 in the virtual space.
-    EXPECT_EQ(result.digitX, 26162);
-    EXPECT_EQ(result.digitY, 14800);
-    EXPECT_DOUBLE_EQ(result.screenPosX, 960.0);
-    EXPECT_GT(result.pressure, 0);
-}
-
 TEST_F(QueuedStages, WorkerGivesTheResultOfTheDirectRoute)
 {
     const _MultiData expected = direct();
