@@ -18,10 +18,10 @@ namespace
 class Probe
 {
 public:
-    Probe(const QString &id, const char *mode, const QString &message, int timeoutMs)
+    Probe(const QString &id, const QString &message, int timeoutMs)
     {
         process.start(SINGLEAPP_PROBE_PATH,
-                      {id, mode, message.toUtf8().toHex(), QString::number(timeoutMs)});
+                      {id, message.toUtf8().toHex(), QString::number(timeoutMs)});
         m_started.start();
     }
     ~Probe()
@@ -70,7 +70,7 @@ protected:
     // The second instance's message reaches the first, which then ends cleanly.
     void expectDelivered(Probe &first, const QString &message)
     {
-        EXPECT_EQ(Probe(id, "run", message, 10000).finish(), "sent\n");
+        EXPECT_EQ(Probe(id, message, 10000).finish(), "sent\n");
         EXPECT_EQ(first.finish(), "first\nmessage " + message.toUtf8().toHex() + "\n");
     }
     const QString id = QString("test-id-%1-%2")
@@ -80,7 +80,7 @@ protected:
 
 TEST_F(SingleApp, SecondInstanceDeliversMessageToFirst)
 {
-    Probe first(id, "run", {}, 30000);
+    Probe first(id, {}, 30000);
     ASSERT_TRUE(first.isFirst());
     EXPECT_TRUE(QFileInfo::exists(lockFile()) && QFileInfo::exists(socket()));
     expectDelivered(first, "open --profile \"b\u00fcro\" \u4f60\u597d");
@@ -91,40 +91,39 @@ TEST_F(SingleApp, SecondInstanceDeliversMessageToFirst)
 
 TEST_F(SingleApp, KilledFirstInstanceDoesNotBlockNewFirst)
 {
-    Probe crashed(id, "run", {}, 30000);
+    Probe crashed(id, {}, 30000);
     ASSERT_TRUE(crashed.isFirst());
     crashed.process.kill(); // SIGKILL: lock and socket files stay behind
     ASSERT_EQ(crashed.finish(), "<crashed>");
     ASSERT_TRUE(QFileInfo::exists(lockFile()) && QFileInfo::exists(socket()));
-    Probe first(id, "run", {}, 30000);
+    Probe first(id, {}, 30000);
     ASSERT_TRUE(first.isFirst());
     expectDelivered(first, "after crash");
 }
 
 // A live holder without a server is what an instance on its way out looks like: a later
 // start retries the connection until its time-out, not forever, or becomes first once freed.
-// Without any holder, nothing runs and nothing is sent.
 TEST_F(SingleApp, LockOfLiveProcessWithoutServer)
 {
     QLockFile lock(lockFile());
     ASSERT_TRUE(lock.tryLock(0));
-    Probe later(id, "report", "hello", 500);
-    EXPECT_EQ(later.finish(), "running=1 sent=0\n");
+    Probe later(id, "hello", 500);
+    EXPECT_EQ(later.finish(), "not-sent\n");
     EXPECT_GE(later.elapsed(), 400);
     EXPECT_LT(later.elapsed(), 15000);
-    Probe ending(id, "report", "hello", 500);
+    Probe ending(id, "hello", 500);
     QThread::msleep(2000);
     lock.unlock();
-    EXPECT_EQ(ending.finish(), "running=0 sent=0\n");
+    EXPECT_EQ(ending.finish(), "first\ntimeout\n");
 }
 
 TEST_F(SingleApp, UnresponsiveFirstInstanceMakesSendFailAfterTimeout)
 {
-    Probe first(id, "run", {}, 30000);
+    Probe first(id, {}, 30000);
     ASSERT_TRUE(first.isFirst());
     // A stopped process accepts connections in the kernel but never acknowledges.
     ASSERT_EQ(::kill(pid_t(first.process.processId()), SIGSTOP), 0);
-    Probe second(id, "run", "hello", 500);
+    Probe second(id, "hello", 500);
     EXPECT_EQ(second.finish(), "not-sent\n");
     EXPECT_GE(second.elapsed(), 400);
     EXPECT_LT(second.elapsed(), 15000);
