@@ -1,11 +1,11 @@
 #include "cglobaldata.h"
 #include "mylinux.h"
 
+#include <QFile>
 #include <QLabel>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace
@@ -50,23 +50,17 @@ TEST(TextLookup, EmptyOrMissingTextKeepsTheBuiltInOne)
         const char *key;
         QString shown;
     } cases[] = {
-        {"language.ini", "English", "Common.ok", "OK"},
-        {"language.ini", "English", "Common.close", builtIn},
-        {"language.ini", "English", "Common.retry", builtIn},
-        {"language.ini", "ChineseSimplified", "Common.ok", "\u786e\u5b9a"},
-        {"language.ini", "ChineseSimplified", "Common.cancel", builtIn},
-        {"language.ini", "German", "Common.ok", builtIn},
+        {"texts.ini", "English", "Common.ok", "OK"},
+        {"texts.ini", "English", "Common.close", builtIn},
+        {"texts.ini", "English", "Common.retry", builtIn},
+        {"texts.ini", "ChineseSimplified", "Common.ok", "\u786e\u5b9a"},
+        {"texts.ini", "ChineseSimplified", "Common.cancel", builtIn},
+        {"texts.ini", "German", "Common.ok", builtIn},
         {"missing.ini", "English", "Common.ok", builtIn},
     };
-    QTemporaryDir folder;
-    QFile file(folder.filePath("language.ini"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[English]\nCommon.ok=OK\nCommon.cancel=Cancel\nCommon.close=\n"
-               "[ChineseSimplified]\nCommon.ok=\xe7\xa1\xae\xe5\xae\x9a\n");
-    file.close();
     for (const auto &row : cases) {
         SCOPED_TRACE(std::string(row.language) + " " + row.key);
-        QSettings texts(folder.filePath(row.file), QSettings::IniFormat);
+        QSettings texts(QString(SERVICES_TEST_DATA "/") + row.file, QSettings::IniFormat);
         texts.setIniCodec("UTF-8");
         texts.beginGroup(row.language);
         CGlobalData::Language_Config = &texts;
