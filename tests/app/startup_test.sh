@@ -10,12 +10,9 @@ failures=0
 trap 'kill "${pids[@]}" 2>/dev/null; wait 2>/dev/null; rm -rf "$work"' EXIT
 
 check() {
-    if [ "$2" = "$3" ]; then
-        echo "PASS: $1"
-    else
-        echo "FAIL: $1 (expected '$3', got '$2')"
-        failures=$((failures + 1))
-    fi
+    [ "$2" = "$3" ] && echo "PASS: $1" && return
+    echo "FAIL: $1 (expected '$3', got '$2')"
+    failures=$((failures + 1))
 }
 
 # Polls `$1` up to 15 s until it prints `$2`, then prints what it printed last.

@@ -8,24 +8,24 @@
 namespace
 {
 
-QStringList casesIn(const char *folder)
+// Each FOLDER/NAME.xml as `read` puts it into the text, against FOLDER/NAME.txt.
+template <typename Read> void expectGoldenCases(const QString &folder, int atLeast, Read read)
 {
-    return QDir(testData(folder)).entryList({"*.xml"}, QDir::Files);
-}
-
-QString goldenOf(const QString &folder, QString name)
-{
-    return testData(folder + '/' + name.replace(".xml", ".txt"));
+    const QStringList cases = QDir(testData(folder)).entryList({"*.xml"}, QDir::Files);
+    ASSERT_GE(cases.size(), atLeast);
+    for (QString name : cases) {
+        SCOPED_TRACE(name.toStdString());
+        RecordText text;
+        read(text, testData(folder + '/' + name));
+        expectGolden(text.bytes(), testData(folder + '/' + name.replace(".xml", ".txt")));
+    }
 }
 
 // Each read/NAME.xml is loaded as section QTB0610 into a record that already holds a pen
 // count, a key count and an application list; read/NAME.txt is what the record then holds.
 TEST(ProfileFile, ReadsEachCaseAsItsGoldenRecord)
 {
-    const QStringList cases = casesIn("read");
-    ASSERT_GE(cases.size(), 28);
-    for (const QString &name : cases) {
-        SCOPED_TRACE(name.toStdString());
+    expectGoldenCases("read", 28, [](RecordText &text, const QString &file) {
         auto data = std::make_unique<stTablet_XMLData>();
         auto earlier = std::make_unique<_stAppConfigNode>();
         copyTextField(earlier->path, "earlier");
@@ -33,9 +33,7 @@ TEST(ProfileFile, ReadsEachCaseAsItsGoldenRecord)
         data->DevicePenNum = 7;
         data->DeviceKeyNum = 5;
         QMap<QString, _stAppConfigNode *> apps;
-        RecordText text;
-        text.field("result",
-                   XMLHelp(testData("read/" + name)).LoadConfig(data.get(), "QTB0610", apps));
+        text.field("result", XMLHelp(file).LoadConfig(data.get(), "QTB0610", apps));
         visitRecord(text, *data);
         text.field("CommonAPP.next", data->CommonAPP.next != nullptr);
         int i = 0;
@@ -53,9 +51,8 @@ TEST(ProfileFile, ReadsEachCaseAsItsGoldenRecord)
                               .arg(it.key(), fieldText(next->path),
                                    apps.value(fieldText(next->path)) == next ? " mapped" : ""));
         }
-        expectGolden(text.bytes(), goldenOf("read", name));
         qDeleteAll(apps);
-    }
+    });
 }
 
 TEST(ProfileFile, NoFileNoRecordOrNoNameLoadsNothing)
@@ -94,19 +91,13 @@ TEST(DeviceFile, WritesTheGoldenFile)
 // write outside the record's slots would show up in device/NAME.txt.
 TEST(DeviceFile, ReadsEachFileAsItsGoldenNode)
 {
-    const QStringList cases = casesIn("device");
-    ASSERT_GE(cases.size(), 9);
-    for (const QString &name : cases) {
-        SCOPED_TRACE(name.toStdString());
+    expectGoldenCases("device", 9, [](RecordText &text, const QString &file) {
         auto node = std::make_unique<_stAppConfigNode>();
         memset(node.get(), 0x55, sizeof *node);
-        RecordText text;
-        text.field("parsed", XMLHelp::ReadDeviceConfigFileToAppConfig(
-                                 readAll(testData("device/" + name)), *node));
+        text.field("parsed", XMLHelp::ReadDeviceConfigFileToAppConfig(readAll(file), *node));
         visitApp(text, "", *node);
         text.field("next", node->next != nullptr);
-        expectGolden(text.bytes(), goldenOf("device", name));
-    }
+    });
 }
 
 } // namespace

@@ -119,7 +119,7 @@ private:
     QStringList m_lines;
 };
 
-// Sets the field a "name=value" line names.
+// Sets the field a "name=value" line names; a text as long as its field gets no NUL.
 class FieldSetter
 {
 public:
@@ -134,8 +134,11 @@ public:
     }
     template <size_t N> void field(const QString &name, char (&text)[N])
     {
-        if (name == m_name && ++m_found)
-            copyTextField(text, m_value);
+        if (name == m_name && ++m_found) {
+            const QByteArray bytes = m_value.toUtf8();
+            memset(text, 0, N);
+            memcpy(text, bytes.constData(), std::min(N, size_t(bytes.size())));
+        }
     }
     bool found() const { return m_found == 1; }
 

@@ -19,23 +19,13 @@ protected:
         ASSERT_TRUE(QFile::copy(from, path()));
         QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner);
     }
-    void load(const char *pid)
+    void load(const QString &pid)
     {
         *data = {};
-        ASSERT_EQ(XMLHelp(path()).LoadConfig(data.get(), pid, apps), 1) << pid;
+        ASSERT_EQ(XMLHelp(path()).LoadConfig(data.get(), pid.toUtf8(), apps), 1)
+            << pid.toStdString();
     }
     void save() { XMLHelp(path()).SaveConfig(data.get(), apps); }
-    void setApps(const QStringList &paths)
-    {
-        qDeleteAll(apps);
-        apps.clear();
-        for (const QString &appPath : paths) {
-            auto *node = new _stAppConfigNode{};
-            node->Key[0].id = 1;
-            copyTextField(node->Key[0].func, "k" + appPath);
-            apps.insert(appPath, node);
-        }
-    }
     QString path() const { return dir.filePath("config.xml"); }
     // The DOM writes attributes in hash order; the generator's seed gives its bytes.
     void SetUp() override { qSetGlobalQHashSeed(0); }
@@ -55,119 +45,102 @@ TEST_F(SaveFile, RoundTripLeavesEveryModelUnchanged)
     const QByteArray expected = readAll(PROFILES_DEFAULT_CONFIG);
     copy(PROFILES_DEFAULT_CONFIG);
     QDomDocument original;
-    ASSERT_TRUE(original.setContent(readAll(PROFILES_DEFAULT_CONFIG)));
+    ASSERT_TRUE(original.setContent(expected));
     int models = 0;
     for (QDomElement section = original.documentElement().firstChildElement(); !section.isNull();
          section = section.nextSiblingElement(), ++models) {
-        load(section.tagName().toUtf8().constData());
+        load(section.tagName());
         save();
         ASSERT_EQ(readAll(path()), expected) << section.tagName().toStdString();
     }
     EXPECT_GE(models, 50);
 }
 
-// save/store.edits: "SECTION FIELD=VALUE" or "SECTION apps=PATH..." lines. Each section is loaded,
-// edited and saved in turn: what the record owns is stored, actions, traits and areas are not,
-// cleared functions leave empty elements, children past the records stay as they were.
+// save/NAME.edits: "SECTION FIELD=VALUE" or "SECTION apps=PATH..." lines. Each section of
+// NAME.in.xml is loaded, edited and saved in turn; NAME.out.xml is the file then.
 TEST_F(SaveFile, StoresWhatTheRecordOwnsAndNothingElse)
 {
-    copy(testData("save/store.in.xml"));
-    QString model;
-    for (const QString &line : QString(readAll(testData("save/store.edits"))).split('\n')) {
-        if (line.isEmpty() || line.startsWith('#'))
-            continue;
-        if (line.section(' ', 0, 0) != model) {
-            if (!model.isEmpty())
-                save();
-            model = line.section(' ', 0, 0);
-            load(model.toUtf8().constData());
+    const QStringList cases = QDir(testData("save")).entryList({"*.edits"});
+    ASSERT_EQ(cases.size(), 2);
+    for (const QString &name : cases) {
+        SCOPED_TRACE(name.toStdString());
+        const QString stem = testData("save/" + name.section('.', 0, 0));
+        copy(stem + ".in.xml");
+        QString model;
+        for (const QString &line : QString(readAll(stem + ".edits")).split('\n')) {
+            if (line.isEmpty() || line.startsWith('#'))
+                continue;
+            if (line.section(' ', 0, 0) != model) {
+                if (!model.isEmpty())
+                    save();
+                model = line.section(' ', 0, 0);
+                load(model);
+            }
+            if (!line.section(' ', 1).startsWith("apps=")) {
+                FieldSetter setter(line.section(' ', 1));
+                visitRecord(setter, *data);
+                EXPECT_TRUE(setter.found()) << line.toStdString();
+                continue;
+            }
+            qDeleteAll(apps);
+            apps.clear();
+            for (const QString &appPath : line.section('=', 1).split(' ', Qt::SkipEmptyParts)) {
+                auto *node = apps.insert(appPath, new _stAppConfigNode{}).value();
+                node->Key[0].id = 1;
+                copyTextField(node->Key[0].func, "k" + appPath);
+            }
         }
-        if (line.section(' ', 1).startsWith("apps=")) {
-            setApps(line.section('=', 1).split(' ', Qt::SkipEmptyParts));
-            continue;
-        }
-        FieldSetter setter(line.section(' ', 1));
-        visitRecord(setter, *data);
-        EXPECT_TRUE(setter.found()) << line.toStdString();
+        save();
+        expectGolden(readAll(path()), stem + ".out.xml");
     }
-    save();
-    expectGolden(readAll(path()), testData("save/store.out.xml"));
-}
-
-// What the folder holds: each name with its content, "<dir>" for a folder.
-QMap<QString, QByteArray> snapshot(const QString &folder)
-{
-    QMap<QString, QByteArray> entries;
-    for (const QFileInfo &info :
-         QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot))
-        entries.insert(info.fileName(), info.isDir() ? "<dir>" : readAll(info.filePath()));
-    return entries;
 }
 
 TEST_F(SaveFile, FailedSaveKeepsTheOldFile)
 {
-    const char *valid = "<Config><QTB0610><DeviceInfo><DeviceCurPenID>0</DeviceCurPenID>"
-                        "</DeviceInfo><Common/><CommonAPP/><Apps/></QTB0610></Config>";
-    // With the temporary file's suffix, a long name no longer fits in a folder entry; a file
-    // written past its size limit fails like a full disk, for root too.
+    const QByteArray valid = "<Config><QTB0610><DeviceInfo><DeviceCurPenID>0</DeviceCurPenID>"
+                             "</DeviceInfo><Common/><CommonAPP/><Apps/></QTB0610></Config>";
+    // Not parseable, no section, no file, a folder in its place; a file written past its size
+    // limit fails like a full disk, for root too; with the temporary file's suffix, a long
+    // name no longer fits in a folder entry.
     const struct {
-        const char *name;
-        QString fileName;
-        const char *content; // nullptr: no file
+        QByteArray content;
         rlim_t sizeLimit;
+        int nameLength;
     } cases[] = {
-        {"not parseable", "config.xml", "<Config><QTB0610>", RLIM_INFINITY},
-        {"no section", "config.xml", "<Config><QTB0610W><DeviceInfo/></QTB0610W></Config>",
-         RLIM_INFINITY},
-        {"no file", "config.xml", nullptr, RLIM_INFINITY},
-        {"a folder in its place", "config.xml", "<dir>", RLIM_INFINITY},
-        {"disk full", "config.xml", valid, 16},
-        {"no room for the temporary name", QString(250, 'c'), valid, RLIM_INFINITY},
+        {"<Config><QTB0610>", RLIM_INFINITY, 10},
+        {"<Config><QTB0610W><DeviceInfo/></QTB0610W></Config>", RLIM_INFINITY, 10},
+        {{}, RLIM_INFINITY, 10},
+        {"<dir>", RLIM_INFINITY, 10},
+        {valid, 16, 10},
+        {valid, RLIM_INFINITY, 250},
     };
     copyTextField(data->szPidName, "QTB0610");
     data->DeviceCurPenID = 3;
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit saved{};
+    getrlimit(RLIMIT_FSIZE, &saved);
     for (const auto &row : cases) {
-        SCOPED_TRACE(row.name);
-        ASSERT_TRUE(QDir(dir.path()).removeRecursively());
-        ASSERT_TRUE(QDir().mkpath(dir.path()));
-        QFile file(dir.filePath(row.fileName));
-        if (row.content == QByteArray("<dir>"))
+        SCOPED_TRACE(row.content.toStdString() + std::to_string(row.sizeLimit));
+        ASSERT_TRUE(QDir(dir.path()).removeRecursively() && QDir().mkpath(dir.path()));
+        QFile file(dir.filePath(QString(row.nameLength, 'c')));
+        if (row.content == "<dir>")
             ASSERT_TRUE(QDir().mkdir(file.fileName()));
-        else if (row.content && file.open(QIODevice::WriteOnly))
+        else if (!row.content.isNull() && file.open(QIODevice::WriteOnly))
             file.write(row.content);
         file.close();
-        const QMap<QString, QByteArray> before = snapshot(dir.path());
-        rlimit saved{};
-        getrlimit(RLIMIT_FSIZE, &saved);
+        // What the folder holds: its names and the file's content.
+        const auto state = [&] {
+            return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).join('/') +
+                   readAll(file.fileName());
+        };
+        const QString before = state();
         const rlimit limit{row.sizeLimit, saved.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
         XMLHelp(file.fileName()).SaveConfig(data.get(), apps);
         setrlimit(RLIMIT_FSIZE, &saved);
-        EXPECT_EQ(snapshot(dir.path()), before);
+        EXPECT_EQ(state(), before);
     }
     std::signal(SIGXFSZ, handler);
-}
-
-// No NUL in a field: the text ends with the field, not in the next one.
-TEST_F(SaveFile, HostileRecordsAreReadWithinTheirFields)
-{
-    copy(testData("save/hostile.in.xml"));
-    const char pid[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD";
-    static_assert(sizeof pid - 1 == kPidNameSize, "a name that fills the field");
-    memcpy(data->szPidName, pid, kPidNameSize);
-    data->DeviceControl = 0x4545;
-    _stAppConfigNode &node = data->CommonAPP;
-    node.Pen[0].PenBtn[1].id = 1;
-    memset(node.Pen[0].PenBtn[1].func, 'a', kFuncSize);
-    node.Pen[0].PenBtn[2].id = 0x4242;
-    node.Key[0].id = 1;
-    memset(node.Key[0].func, 'b', kFuncSize);
-    node.Key[0].Show = 'X';
-    node.Ring[0].Item[0].id = 2;
-    memset(node.Ring[0].Item[0].func, 'c', kFuncSize);
-    save();
-    expectGolden(readAll(path()), testData("save/hostile.out.xml"));
 }
 
 } // namespace

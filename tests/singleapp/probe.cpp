@@ -1,9 +1,6 @@
-// One QtSingleApplication instance driven from the command line:
-//   singleapp_probe <id> run <hex utf-8 message> <timeout ms>
-//     first instance: prints "first", then "message <hex>" when a message arrives (exit 0),
-//     or "timeout" (exit 1); later instance: sends the message, prints "sent" or "not-sent".
-//   singleapp_probe <id> report <hex utf-8 message> <timeout ms>
-//     prints "running=<0|1> sent=<0|1>".
+// One QtSingleApplication instance: singleapp_probe <id> <hex utf-8 message> <timeout ms>
+// The first instance prints "first", then "message <hex>" when a message arrives (exit 0), or
+// "timeout" (exit 1); a later one sends the message and prints "sent" or "not-sent".
 // Messages travel hex-encoded so the result does not depend on the locale's 8-bit codec.
 #include "qtsingleapplication.h"
 
@@ -25,20 +22,13 @@ void say(const QByteArray &line)
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (argc != 5)
+    if (argc != 4)
         return 64;
     QtSingleApplication app(QString::fromLocal8Bit(argv[1]), argc, argv);
-    const QByteArray mode = argv[2];
-    const QString message = QString::fromUtf8(QByteArray::fromHex(argv[3]));
-    const int timeoutMs = atoi(argv[4]);
-    if (mode == "report") {
-        const bool running = app.isRunning();
-        const bool sent = app.sendMessage(message, timeoutMs);
-        say(QByteArray("running=") + (running ? "1" : "0") + " sent=" + (sent ? "1" : "0"));
-        return 0;
-    }
+    const int timeoutMs = atoi(argv[3]);
     if (app.isRunning()) {
-        const bool sent = app.sendMessage(message, timeoutMs);
+        const bool sent =
+            app.sendMessage(QString::fromUtf8(QByteArray::fromHex(argv[2])), timeoutMs);
         say(sent ? "sent" : "not-sent");
         return sent ? 0 : 2;
     }
