@@ -75,11 +75,7 @@ TEST_F(Enumeration, OpensACataloguedTabletWithItsModelSection)
 // Five slots and the sixth device left alone: the hot-plug tests.
 TEST_F(Enumeration, KeepsOnlyCataloguedInterfacesAndLikeTabletsShareTheNameKey)
 {
-    uint16_t unknown = 0x0B00;
-    while (std::any_of(zelkDevList, zelkDevList + kCatalogueSize,
-                       [&](const ZelkDevice &r) { return r.pid == unknown; }))
-        ++unknown;
-    fakeusb::addDevice(tablet("unknown", unknown, 10));
+    fakeusb::addDevice(tablet("unknown", 0x0BFF, 10));
     fakeusb::Device wrongInterface = tablet("wrong", 0x0B40, 11);
     wrongInterface.interfaces = {0, 1};
     fakeusb::addDevice(wrongInterface);
