@@ -8,12 +8,12 @@ namespace
 QStringList areas(const QSignalSpy &spy)
 {
     QStringList result;
-    for (const QList<QVariant> &a : spy)
-        result << QString("%1 %2 %3 %4")
-                      .arg(a[0].toInt())
-                      .arg(a[1].toInt())
-                      .arg(a[2].toInt())
-                      .arg(a[3].toInt());
+    for (const QList<QVariant> &area : spy) {
+        QStringList numbers;
+        for (const QVariant &number : area)
+            numbers << number.toString();
+        result << numbers.join(' ');
+    }
     return result;
 }
 

@@ -1,6 +1,9 @@
 #include "devicefixture.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QThread>
 
 void DeviceFixture::SetUp()
 {
@@ -76,6 +79,25 @@ QString DeviceFixture::section(const QString &model)
                    "<TW>0</TW><TH>0</TH></TabletPannel></Common><CommonAPP><K>%2</K></CommonAPP>"
                    "<Apps/></%1>")
         .arg(model, keys);
+}
+
+bool DeviceFixture::waitFor(const std::function<bool()> &done)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < 8000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return done();
+}
+
+std::vector<std::string> DeviceFixture::slotPaths()
+{
+    std::vector<std::string> paths;
+    for (CTablet *tablet : CGlobalData::TabletArray)
+        paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
+    return paths;
 }
 
 Bytes frame(size_t length, std::initializer_list<uint8_t> head)

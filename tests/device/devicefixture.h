@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 using fakeusb::Bytes;
@@ -28,6 +29,10 @@ protected:
     // 52324 by 29600 at 5080 lpi, pressure 8191, in descriptor 100.
     static fakeusb::Device tablet(const std::string &name, uint16_t pid, uint8_t port);
     static QString section(const QString &model);
+    // Polls `done`, handling events, for up to 8 s.
+    static bool waitFor(const std::function<bool()> &done);
+    // The HID path of the device in each slot, "" for an empty one.
+    static std::vector<std::string> slotPaths();
 
     QTemporaryDir m_Folder;
 };

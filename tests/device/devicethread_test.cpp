@@ -10,15 +10,6 @@
 namespace
 {
 
-bool waitFor(const std::function<bool()> &done)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 5000)
-        QThread::msleep(2);
-    return done();
-}
-
 // A reader on one scripted device, collecting what it hands on.
 class Reader : public DeviceFixture
 {

@@ -26,14 +26,6 @@ protected:
         }
         return m_Window->EnumDeviceLinux(pid);
     }
-    // The HID path of the device in each slot, "" for an empty one.
-    static std::vector<std::string> bySlot()
-    {
-        std::vector<std::string> paths;
-        for (CTablet *tablet : CGlobalData::TabletArray)
-            paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
-        return paths;
-    }
 
     std::unique_ptr<MainWindow> m_Window;
 };
@@ -75,11 +67,7 @@ TEST_F(Enumeration, OpensACataloguedTabletWithItsModelSection)
 // Five slots and the sixth device left alone: the hot-plug tests.
 TEST_F(Enumeration, KeepsOnlyCataloguedInterfacesAndLikeTabletsShareTheNameKey)
 {
-    uint16_t unknown = 0x0B00;
-    while (std::any_of(zelkDevList, zelkDevList + kCatalogueSize,
-                       [&](const ZelkDevice &r) { return r.pid == unknown; }))
-        ++unknown;
-    fakeusb::addDevice(tablet("unknown", unknown, 10));
+    fakeusb::addDevice(tablet("unknown", 0x0BFF, 10));
     fakeusb::Device wrongInterface = tablet("wrong", 0x0B40, 11);
     wrongInterface.interfaces = {0, 1};
     fakeusb::addDevice(wrongInterface);
@@ -92,8 +80,8 @@ TEST_F(Enumeration, KeepsOnlyCataloguedInterfacesAndLikeTabletsShareTheNameKey)
     fakeusb::addDevice(tablet("a", 0x0B40, 1));
     fakeusb::addDevice(tablet("b", 0x0B40, 2));
     ASSERT_TRUE(scan());
-    EXPECT_EQ(bySlot(), std::vector<std::string>(
-                            {fakeusb::hidPath("a", 2), fakeusb::hidPath("b", 2), "", "", ""}));
+    EXPECT_EQ(slotPaths(), std::vector<std::string>(
+                               {fakeusb::hidPath("a", 2), fakeusb::hidPath("b", 2), "", "", ""}));
     EXPECT_EQ(CGlobalData::TabletMap.size(), 1);
     EXPECT_EQ(CGlobalData::TabletMap.value("Scribora Sketch S"), CGlobalData::TabletArray[1]);
 }
@@ -103,7 +91,7 @@ TEST_F(Enumeration, OnlyTheAskedProductIsScanned)
     fakeusb::addDevice(tablet("a", 0x0B40, 1));
     fakeusb::addDevice(tablet("b", 0xA20C, 2));
     ASSERT_TRUE(scan(0xA20C));
-    EXPECT_EQ(bySlot(), std::vector<std::string>({fakeusb::hidPath("b", 2), "", "", "", ""}));
+    EXPECT_EQ(slotPaths(), std::vector<std::string>({fakeusb::hidPath("b", 2), "", "", "", ""}));
     EXPECT_EQ(CGlobalData::TabletArray[0]->m_DeviceAttributes.DeviceType, 2);
 }
 
@@ -112,7 +100,7 @@ TEST_F(Enumeration, AModelMissingFromTheFileGetsNoSlot)
     writeConfig(section("QPD1600"));
     fakeusb::addDevice(tablet("tab", 0x0B40, 1));
     EXPECT_FALSE(scan());
-    EXPECT_EQ(bySlot(), std::vector<std::string>(5));
+    EXPECT_EQ(slotPaths(), std::vector<std::string>(5));
     EXPECT_EQ(fakeusb::openHidHandles(), 0) << "the failed session's device is closed again";
     EXPECT_TRUE(fakeusb::writesTo("tab").empty()) << "no start packet without settings";
 }
@@ -135,7 +123,7 @@ TEST_F(Enumeration, ADeviceThatCannotBeOpenedWarnsAndTheScanGoesOn)
     EXPECT_TRUE(scan());
     closer.stop();
     EXPECT_EQ(boxes, QStringList("warning|You need to use root permissions to run the driver."));
-    EXPECT_EQ(bySlot(), std::vector<std::string>({fakeusb::hidPath("open", 2), "", "", "", ""}));
+    EXPECT_EQ(slotPaths(), std::vector<std::string>({fakeusb::hidPath("open", 2), "", "", "", ""}));
 }
 
 TEST_F(Enumeration, KeyboardStyleRemoteGetsItsOwnStartPacket)

@@ -53,14 +53,11 @@ TEST_F(Session, RangesFromDescriptor100)
         device.rawStrings[100] = bytes(c[0]);
         const _DEVICE_ATTRIBUTES &a = open(device).m_DeviceAttributes;
         ASSERT_TRUE(m_Opened) << c[0].toStdString();
-        EXPECT_EQ(QString("%1 %2 %3 %4 %5 %6")
-                      .arg(a.MaxX)
-                      .arg(a.MaxY)
-                      .arg(a.MaxPressure)
-                      .arg(a.LPI)
-                      .arg(a.Width)
-                      .arg(a.Height),
-                  c[1].trimmed());
+        QStringList numbers;
+        for (int64_t n : std::initializer_list<int64_t>{a.MaxX, a.MaxY, a.MaxPressure, a.LPI,
+                                                        a.Width, a.Height})
+            numbers << QString::number(n);
+        EXPECT_EQ(numbers.join(' '), c[1].trimmed());
     }
 }
 
@@ -203,11 +200,11 @@ TEST_F(Session, DisplayCommandsOnlyForNewerPenDisplays)
     writeConfig(section(QString::fromLatin1(older->name)) + section("QTB0610"));
     CUSBTablet &display = open(tablet("old", uint16_t(older->pid), 1));
     CUSBTablet &pad = open(tablet("pad", 0x0B40, 2));
-    const size_t before = fakeusb::writes().size();
+    const size_t before = fakeusb::writesTo("").size();
     display.SentCmd(kCmdBrightness, 1, 50);
     pad.SentCmd(kCmdBrightness, 1, 50);
     pad.SentCmd(kCmdDisplayState, 1, 0);
-    EXPECT_EQ(fakeusb::writes().size(), before);
+    EXPECT_EQ(fakeusb::writesTo("").size(), before);
     pad.m_DeviceAttributes.TabletType[2] = 0x08;
     pad.SentCmd(kCmdAskLight, kLightTablet, 0);
     EXPECT_EQ(lastWrite("pad"), frame(12, {0x02, 0xB4, 0x01, 0x00, 2}))

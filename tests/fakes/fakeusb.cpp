@@ -359,11 +359,6 @@ std::vector<Write> writesTo(const std::string &name)
     return result;
 }
 
-std::vector<Write> writes()
-{
-    return writesTo("");
-}
-
 int openHidHandles()
 {
     const Lock lock = locked();

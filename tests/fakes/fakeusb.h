@@ -46,7 +46,7 @@ void queueReport(const std::string &name, const Bytes &report);
 // The next `count` reads on the device fail.
 void queueReadErrors(const std::string &name, int count);
 
-std::vector<Write> writes();
+// Writes to the named device, or to any with "".
 std::vector<Write> writesTo(const std::string &name);
 int openHidHandles();
 int hidOpenCalls();

@@ -5,13 +5,9 @@
 #include "qdeviceitemwidget.h"
 
 #include <QAbstractButton>
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTabWidget>
-#include <QThread>
-
-#include <functional>
 
 namespace
 {
@@ -21,17 +17,6 @@ constexpr short kArrived = 1;
 constexpr short kLeft = 2;
 using Devices = std::vector<fakeusb::Device>;
 using Names = std::vector<std::string>;
-
-bool waitFor(const std::function<bool()> &done)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 8000) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(5);
-    }
-    return done();
-}
 
 // The state of each hot-plug message the window takes, in the order taken.
 std::vector<short> seenStates;
@@ -84,15 +69,13 @@ protected:
     // the one open handle of its vendor interface, and the window shows what is open.
     void expectSlots(const Names &wanted)
     {
-        Names expected, paths;
+        Names expected;
         int filled = 0;
-        for (size_t slot = 0; slot < wanted.size(); ++slot) {
-            expected.push_back(wanted[slot].empty() ? "" : fakeusb::hidPath(wanted[slot], 2));
-            filled += !wanted[slot].empty();
-            const CTablet *tablet = CGlobalData::TabletArray[slot];
-            paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
+        for (const std::string &name : wanted) {
+            expected.push_back(name.empty() ? "" : fakeusb::hidPath(name, 2));
+            filled += !name.empty();
         }
-        EXPECT_EQ(paths, expected);
+        EXPECT_EQ(slotPaths(), expected);
         EXPECT_EQ(fakeusb::openHidHandles(), filled);
         EXPECT_EQ(m_Window->GetTabletArraySize(), filled);
         EXPECT_EQ(m_Strip->count(), filled);
