@@ -17,11 +17,13 @@
 #include <QListWidget>
 #include <QMouseEvent>
 #include <QResource>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 
 #include <array>
+#include <cstring>
 #include <functional>
 #include <thread>
 
@@ -184,11 +186,19 @@ TEST_F(Shell, TwoTabletsSaveRevertCloseToTheTrayAndExit)
     EXPECT_FALSE(child("DisconnectTipsLabel")->isHidden());
 }
 
-// The window's head strip ends at a rounded y of 80 and follows the cursor's moves; a
-// dialog's ends at 79 and puts the press where the cursor is.
-TEST_F(Shell, OnlyTheHeadStripsDrag)
+// A dialog is a window of its own, centred over its owner: 120 + 299 / 2, 80 + 239 / 2. The
+// window's head strip ends at a rounded y of 80 and follows the cursor's moves; a dialog's
+// ends at 79 and puts the press where the cursor is.
+TEST_F(Shell, DialogsCentreAndOnlyTheHeadStripsDrag)
 {
-    ScriboraDialog dialog;
+    m_Window->move(100, 50);
+    QWidget owner(m_Window.get());
+    owner.setGeometry(20, 30, 400, 300);
+    ScriboraDialog dialog(&owner);
+    EXPECT_EQ(dialog.parentWidget(), nullptr);
+    dialog.resize(101, 61);
+    dialog.ShowDialogInCenter();
+    EXPECT_EQ(dialog.pos(), QPoint(269, 199));
     const std::tuple<QWidget *, double, QPoint> cases[] = {{child("groupBox_head"), 80.4, {40, 25}},
                                                            {child("groupBox_head"), 80.5, {}},
                                                            {&dialog, 0, {30, 20}},
@@ -208,7 +218,9 @@ TEST_F(Shell, OnlyTheHeadStripsDrag)
 }
 
 // Each switch stores its flag and shows it when the form opens again; the form hides when
-// the window turns active or on a close.
+// the window turns active or on a close. The feedback query's version is what follows the
+// first colon, before any bracket. Setting the consent box is silent; clicking it sends its
+// state.
 TEST_F(Shell, SettingFormSwitchesStoreTheirFlagInTheShownProfile)
 {
     plug("tab", 0x0B40);
@@ -230,6 +242,32 @@ TEST_F(Shell, SettingFormSwitchesStoreTheirFlagInTheShownProfile)
             EXPECT_EQ(box->isChecked(), value == 1) << name;
         }
     }
+    EXPECT_TRUE(form->findChild<QWidget *>("SettingFormWidget2")->isHidden()) << "no consent";
+    CTablet tablet;
+    std::strcpy(tablet.m_DeviceAttributes.ShowName, "Pad 10");
+    std::strcpy(tablet.m_DeviceAttributes.ICVersion, "20240105");
+    std::strcpy(tablet.m_DeviceAttributes.SerialNumber, "SN123");
+    for (const auto &[label, version] :
+         {std::pair{"Ver:3.4.9", "3.4.9"}, {"Ver:3.4.11(7169b73)", "3.4.11"}, {"Ver:1:2", "1:2"}}) {
+        form->SetCheckButtonStatus(&tablet, "German", label);
+        EXPECT_TRUE(form->FeedbackUrl().startsWith(
+            QString("https://www.scribora.com/feedback?drive_lang=German&product_name=Pad 10"
+                    "&firmware_version=20240105&drive_version=V%1&serial_number=SN123"
+                    "&system_version=")
+                .arg(version)))
+            << form->FeedbackUrl().toStdString();
+    }
+    QSignalSpy spy(form, &SettingForm::CollectDataChecked);
+    auto *box = form->findChild<QAbstractButton *>("HotKeyWincheckBox_1");
+    for (bool shown : {false, true}) {
+        form->SetDataCollectVisable(shown, shown);
+        EXPECT_EQ(form->findChild<QWidget *>("SettingFormWidget2")->isHidden(), !shown);
+        EXPECT_EQ(box->isChecked(), shown);
+    }
+    EXPECT_EQ(spy.count(), 0);
+    box->click();
+    ASSERT_EQ(spy.count(), 1);
+    EXPECT_FALSE(spy.at(0).at(0).toBool());
     QApplication::setActiveWindow(form);
     ASSERT_TRUE(form->isActiveWindow());
     QApplication::setActiveWindow(m_Window.get());
@@ -357,10 +395,8 @@ TEST_F(Shell, ScreenTablesFilledByTheConstructorAndOnEveryDesktopChange)
         [=] { emit desktop->screenCountChanged(0); }, [=] { emit desktop->workAreaResized(0); },
         [=] { emit desktop->primaryScreenChanged(); }};
     for (const auto &change : changes) {
-        std::fill(std::begin(CGlobalData::ScreenArray), std::end(CGlobalData::ScreenArray),
-                  QRect(7, 7, 7, 7));
-        std::fill(std::begin(CGlobalData::LogicScreenArray),
-                  std::end(CGlobalData::LogicScreenArray), QRect(7, 7, 7, 7));
+        for (QRect *table : {CGlobalData::ScreenArray, CGlobalData::LogicScreenArray})
+            std::fill(table, table + kScreenSlots, QRect(7, 7, 7, 7));
         CGlobalData::ScreenNum = 5;
         CGlobalData::PrimaryID = 3;
         change();

@@ -1,19 +1,13 @@
 #include "batterywidget.h"
 #include "cases.h"
 #include "cglobaldata.h"
-#include "ctablet.h"
 #include "jingximode.h"
 #include "mainwindow.h"
 #include "screencalibrate.h"
-#include "scriboradialog.h"
-#include "settingform.h"
 
-#include <QAbstractButton>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
-
-#include <cstring>
 
 namespace
 {
@@ -124,70 +118,14 @@ TEST(PressureLevel, FromTheSteepnessOfTheMiddleLeg)
             << c[2].toStdString();
 }
 
-// Seven sprite rows of 13 pixels, full at the top; the value is kept within 0 to 100.
 TEST(BatteryWidget, PicksTheSpriteRowOfTheCharge)
 {
-    const int cases[][3] = {{-5, 0, 6},  {0, 0, 6},   {1, 1, 5},   {20, 20, 5},   {21, 21, 4},
-                            {60, 60, 3}, {61, 61, 2}, {99, 99, 1}, {100, 100, 0}, {140, 100, 0}};
     BatteryWidget widget;
-    for (const auto &[value, stored, row] : cases) {
-        widget.SetBatteryValue(value, 0);
-        EXPECT_EQ(widget.GetValue(), stored) << value;
-        EXPECT_EQ(widget.barStyle(),
-                  QString("border-image:url(:/image/Res/battery_uncharing.png) %1 0 %2 0 0;")
-                      .arg(13 * row)
-                      .arg(78 - 13 * row))
-            << value;
+    for (const QStringList &c : caseRows("battery.txt")) {
+        widget.SetBatteryValue(c[0].toInt(), 0);
+        EXPECT_EQ(widget.GetValue(), c[1].toInt()) << c[0].toStdString();
+        EXPECT_EQ(widget.barStyle(), c.mid(2).join(' ')) << c[0].toStdString();
     }
-}
-
-// Dialog 101 by 61. Window: 100 + 499 / 2, 50 + 439 / 2. Owner at 120,80: 299 / 2, 239 / 2.
-TEST(ScriboraDialog, CentresOverTheOwnerOnScreen)
-{
-    QWidget window;
-    window.setGeometry(100, 50, 600, 500);
-    QWidget owner(&window);
-    owner.setGeometry(20, 30, 400, 300);
-    for (const auto &[parent, centred] :
-         {std::pair{&window, QPoint(349, 269)}, {&owner, QPoint(269, 199)}}) {
-        ScriboraDialog dialog(parent);
-        EXPECT_EQ(dialog.parentWidget(), nullptr);
-        dialog.resize(101, 61);
-        dialog.ShowDialogInCenter();
-        EXPECT_EQ(dialog.pos(), centred);
-    }
-}
-
-// The feedback query's version is what follows the first colon, before any bracket. Setting
-// the consent box is silent; clicking it sends its state.
-TEST(SettingForm, FeedbackQueryAndConsentBox)
-{
-    CTablet tablet;
-    std::strcpy(tablet.m_DeviceAttributes.ShowName, "Pad 10");
-    std::strcpy(tablet.m_DeviceAttributes.ICVersion, "20240105");
-    std::strcpy(tablet.m_DeviceAttributes.SerialNumber, "SN123");
-    SettingForm form;
-    for (const auto &[label, version] :
-         {std::pair{"Ver:3.4.9", "3.4.9"}, {"Ver:3.4.11(7169b73)", "3.4.11"}, {"Ver:1:2", "1:2"}}) {
-        form.SetCheckButtonStatus(&tablet, "German", label);
-        EXPECT_TRUE(form.FeedbackUrl().startsWith(
-            QString("https://www.scribora.com/feedback?drive_lang=German&product_name=Pad 10"
-                    "&firmware_version=20240105&drive_version=V%1&serial_number=SN123"
-                    "&system_version=")
-                .arg(version)))
-            << form.FeedbackUrl().toStdString();
-    }
-    QSignalSpy spy(&form, &SettingForm::CollectDataChecked);
-    auto *box = form.findChild<QAbstractButton *>("HotKeyWincheckBox_1");
-    for (bool shown : {false, true}) {
-        form.SetDataCollectVisable(shown, shown);
-        EXPECT_EQ(form.findChild<QWidget *>("SettingFormWidget2")->isHidden(), !shown);
-        EXPECT_EQ(box->isChecked(), shown);
-    }
-    EXPECT_EQ(spy.count(), 0);
-    box->click();
-    ASSERT_EQ(spy.count(), 1);
-    EXPECT_FALSE(spy.at(0).at(0).toBool());
 }
 
 } // namespace
