@@ -285,41 +285,34 @@ public:
     std::vector<std::array<int, 3>> m_Sent;
 };
 
-class ActionMessages : public Shell
-{
-protected:
-    void SetUp() override
-    {
-        Shell::SetUp();
-        for (int slot = 0; slot < 3; ++slot)
-            CGlobalData::TabletArray[slot] = m_Tablets[slot] = new RecordingTablet;
-    }
-    void makeCurrent(int slot)
-    {
-        CGlobalData::TabletMap["Current"] = m_Tablets[slot];
-        m_Window->InitUI("Current");
-    }
-
-    RecordingTablet *m_Tablets[3] = {};
-};
-
 // Battery: 20 is low, 21 is not; charging re-arms at any value; no tray icon, no note. A
-// reconnect restores the touch strip by its mode; empty slots are skipped.
-TEST_F(ActionMessages, LowBatteryNoteAndTouchStripRestore)
+// reconnect restores the touch strip by its mode; empty slots are skipped. Calibration terms
+// go to the current tablet, under the settings lock. The fine mode overlay opens on the
+// current mapping's screen for the sender, or a remote's first other tablet; a second
+// message or Escape closes it everywhere. The fine area goes to the current tablet, or to
+// every tablet in fine mode.
+TEST_F(Shell, ActionMessagesReachTheirTablets)
 {
+    RecordingTablet *tablets[3];
+    for (int slot = 0; slot < 3; ++slot)
+        CGlobalData::TabletArray[slot] = tablets[slot] = new RecordingTablet;
+    const auto makeCurrent = [&](int slot) {
+        CGlobalData::TabletMap["Current"] = tablets[slot];
+        m_Window->InitUI("Current");
+    };
     const int steps[][3] = {{3, 0, 0},  {50, 0, 0}, {20, 0, 1}, {20, 0, 1}, {5, 0, 1},
                             {21, 0, 0}, {20, 0, 1}, {10, 1, 0}, {10, 0, 1}};
     for (const auto &[value, chargeState, noted] : steps) {
-        m_Tablets[2]->m_BatteryValue = value;
+        tablets[2]->m_BatteryValue = value;
         m_Window->ReceivActionMsg(2, kMsgBattery, chargeState);
-        EXPECT_EQ(m_Tablets[2]->m_LowBatteryNoted, noted) << value << " " << chargeState;
+        EXPECT_EQ(tablets[2]->m_LowBatteryNoted, noted) << value << " " << chargeState;
         m_Window->InitSystemTray();
     }
     data(2).Orientation = 3;
     data(2).CommonAPP.Ring[1].type = 1;
     for (int slot : {3, 5, -1})
         m_Window->ReceivActionMsg(slot, kMsgWirelessConnected, 0);
-    EXPECT_TRUE(m_Tablets[2]->m_Sent.empty());
+    EXPECT_TRUE(tablets[2]->m_Sent.empty());
     for (int mode : {0, 1}) {
         data(2).CommonAPP.Ring[1].mode = mode;
         m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
@@ -328,15 +321,8 @@ TEST_F(ActionMessages, LowBatteryNoteAndTouchStripRestore)
     m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
     const std::vector<std::array<int, 3>> expected = {{kCmdTouchStrip, kStripWheel, 0},
                                                       {kCmdTouchStrip, kStripTouch, 3}};
-    EXPECT_EQ(m_Tablets[2]->m_Sent, expected);
-}
+    EXPECT_EQ(tablets[2]->m_Sent, expected);
 
-// Calibration terms go to the current tablet, under the settings lock. The fine mode overlay
-// opens on the current mapping's screen for the sender, or a remote's first other tablet; a
-// second message or Escape closes it everywhere. The fine area goes to the current tablet,
-// or to every tablet in fine mode.
-TEST_F(ActionMessages, CalibrationAndFineModeReachTheirTablets)
-{
     data(0).fKX = 1.0f;
     m_Window->GetScreenCalibrate(0.5f, 1.5f, 0.75f, 1.25f);
     EXPECT_EQ(data(0).fKX, 1.0f) << "no current tablet";
@@ -360,7 +346,7 @@ TEST_F(ActionMessages, CalibrationAndFineModeReachTheirTablets)
     m_Window->ReceivActionMsg(2, kMsgFineMode, 0);
     EXPECT_EQ(m_Window->fineMode(), nullptr);
     EXPECT_EQ(data(2).bBERectOn, 0);
-    m_Tablets[0]->m_DeviceAttributes.DeviceType = DeviceTypeRemote;
+    tablets[0]->m_DeviceAttributes.DeviceType = DeviceTypeRemote;
     m_Window->ReceivActionMsg(0, kMsgFineMode, 0);
     EXPECT_TRUE(data(1).bBERectOn == 1 && data(0).bBERectOn == 0);
     data(2).bBERectOn = 1;
