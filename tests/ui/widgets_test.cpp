@@ -91,15 +91,13 @@ TEST(ScreenCalibrateWindow, AdvancesOnHitsDrawsTheCurrentCrossAndEmitsOnTheFifth
               "1 1.125 0.8 0.625");
 }
 
-// In a window of 1920 by 1080 the hole's last row is one below its nominal height. Painted
-// on a second screen, the pen near its bottom right, the hole is at 960, 799 of the screen.
+// Painted on a second screen, the pen near its bottom right, the hole is at 960, 799 of the
+// screen.
 TEST(FineModeHole, StaysOnTheScreenAndIsReportedInDesktopCoordinates)
 {
-    const QPoint cases[][2] = {{{960, 540}, {800, 428}},  {{160, 112}, {0, 0}},
-                               {{161, 113}, {1, 1}},      {{1910, 540}, {1600, 428}},
-                               {{960, 1075}, {800, 855}}, {{960, 968}, {800, 856}}};
-    for (const auto &[centre, hole] : cases)
-        EXPECT_EQ(JingXiMode::HoleOrigin(centre, QSize(1920, 1080)), hole) << centre.x();
+    for (const QStringList &c : caseRows("holes.txt"))
+        EXPECT_EQ(JingXiMode::HoleOrigin(point(c[0]), QSize(1920, 1080)), point(c[1]))
+            << c[0].toStdString();
     JingXiMode overlay(QRect(1920, 0, 1280, 1024), QPoint(1920 + 1270, 1000));
     QSignalSpy spy(&overlay, &JingXiMode::GetModeRect);
     QImage image(1280, 1024, QImage::Format_ARGB32_Premultiplied);
