@@ -1,10 +1,5 @@
 #!/bin/bash
-# Guest side of e2e_session, with tab1 (catalogued) and tab9 (not) plugged in:
-# the driver starts tab1's session; a stroke on tab1 comes out of "NORVA Pen"
-# frame by frame and libinput sees a tablet tool draw it; SIGTERM ends the
-# driver as the tray's Exit does: the profile saved, exit status 0, and tab1's
-# vendor interface back with usbhid, passing reports on.
-#   session.sh SCRIBORA_BINARY BUILD_DIR
+# Guest side of e2e_session (README.md): session.sh SCRIBORA_BINARY BUILD_DIR
 # shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
