@@ -7,6 +7,7 @@
   --enumerated DEV          string descriptors were requested (hidapi's enumeration reads them)
   --left-alone DEV          no request for string 100, no output report on interface 2, nobody polled it
   --out DEV HEX             an output report of exactly these bytes, no other beginning with its first two
+  --log-lines NAME N TEXT   out/NAME.log has at least N lines with TEXT
   --app-clean NAME SEC      out/NAME.log has no crash message, NAME.status shows it ran until
                             stopped and ended by SIGTERM or with 0 within SEC s, no kernel fault of it
 
@@ -22,7 +23,7 @@ CRASH = re.compile(
     r"AddressSanitizer|LeakSanitizer|UndefinedBehaviorSanitizer|runtime error:|ASSERT failure|"
     r"ASSERT:|double free|stack smashing|free\(\): invalid|malloc\(\): |Illegal instruction|"
     r"Bus error")
-ARITY = {"--window": 2, "--string-read": 2, "--enumerated": 1, "--left-alone": 1, "--out": 2, "--app-clean": 2}
+ARITY = {"--window": 2, "--string-read": 2, "--enumerated": 1, "--left-alone": 1, "--out": 2, "--app-clean": 2, "--log-lines": 3}
 IFACE = 2
 
 
@@ -102,6 +103,10 @@ class Checker:
         except OSError as e:
             self.result(False, "cannot read %s (%s)" % (os.path.join(*path), e))
             return ""
+
+    def log_lines(self, name, least, text):
+        count = sum(text in line for line in self.read("out", name + ".log").splitlines())
+        self.result(count >= int(least), "%s: %d lines with '%s' (want %s or more)" % (name, count, text, least))
 
     def app_clean(self, name, seconds):
         lines = self.read("out", name + ".log").splitlines()

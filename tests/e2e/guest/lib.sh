@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034  # status and PEN_NODE are for the sourcing scripts
 # Helpers for the scripts that run inside the e2e guest; the host reads $E2E_OUT after the run.
 set -u
 E2E_GUEST_DIR="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -7,7 +7,6 @@ SCRIBORA_CONF_DIR=/usr/lib/scribora/conf/norva
 SCRIBORA_PID=""
 # Cold starts over 9p under TCG take seconds; this only bounds a hang.
 E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
-# shellcheck disable=SC2034  # status and PEN_NODE are for the sourcing scripts
 status=0
 
 guest_log() { echo "guest: $*"; }
@@ -53,18 +52,19 @@ scribora_stop() {
     [ "$alive" = 1 ]
 }
 
-# scribora_alive WHEN: the driver still runs and its event loop answers
-scribora_alive() {
-    if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
-        echo "PASS: scribora still runs $1"
-        probe ping-app 10
-    else
-        echo "FAIL: scribora ended $1"
-        return 1
-    fi
+# expect WHAT COMMAND...: a PASS or FAIL line; a failure sets status
+expect() {
+    local what="$1"
+    shift
+    "$@" && { echo "PASS: $what"; return 0; }
+    echo "FAIL: $what"
+    status=1
+    return 1
 }
 
-# shellcheck disable=SC2034
+# scribora_alive WHEN: the driver still runs and its event loop answers
+scribora_alive() { expect "scribora still runs $1" kill -0 "$SCRIBORA_PID" && probe ping-app 10; }
+
 # pen_node: waits for the driver's virtual pen; sets PEN_NODE
 pen_node() {
     PEN_NODE="$(probe node "NORVA Pen" "$E2E_WAIT_S")" || { guest_log "no \"NORVA Pen\" input device"; return 1; }

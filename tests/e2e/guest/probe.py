@@ -6,7 +6,6 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py emuctl WORD...         one control request, prints the reply
     probe.py node NAME TIMEOUT      prints /dev/input/eventN of the input device NAME
     probe.py stroke|plug|unplug|like NODE LOG, probe.py slots NODE LOG NAMES   a scenario; LOG gets the evdev events
-    probe.py libinput LOG           libinput's view of the stroke (debug-events output)
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
@@ -19,7 +18,9 @@ import os
 import re
 import select
 import socket
+import signal
 import struct
+import subprocess
 import sys
 import time
 
@@ -48,11 +49,7 @@ class Channel:
     """The emulator's control channel, the guest's virtio port."""
 
     def __init__(self):
-        path = os.environ.get("E2E_CTL") or "/dev/virtio-ports/usbemu.ctl"
-        try:
-            self.fd = os.open(path, os.O_RDWR | os.O_NOCTTY)
-        except OSError as e:
-            raise NoReply("open %s: %s" % (path, e))
+        self.fd = os.open(os.environ.get("E2E_CTL") or "/dev/virtio-ports/usbemu.ctl", os.O_RDWR | os.O_NOCTTY)
 
     def request(self, words):
         return self.pipeline([words])[0]
@@ -97,7 +94,6 @@ def check(ok, text):
 
 
 def asks(ch, words, text):
-    """A request whose reply must be "ok ..."."""
     reply = ch.request(words)
     return check(reply.startswith("ok"), "%s (%s)" % (text, reply))
 
@@ -139,7 +135,7 @@ class PenNode:
     EVENT = struct.Struct("llHHi")
 
     def __init__(self, node, log_path):
-        self.fd = os.open(node, os.O_RDONLY | os.O_NONBLOCK)
+        self.node, self.fd = node, os.open(node, os.O_RDONLY | os.O_NONBLOCK)
         self.log = open(log_path, "w")
         self.t0 = time.monotonic()
         self.buffer = b""
@@ -248,8 +244,18 @@ def no_frame(pen, what, seconds):
 
 
 def run_stroke(ch, pen):
+    """The stroke, and libinput's view of it (debug-events output in LOG.libinput)."""
+    log_path = pen.log.name + ".libinput"
+    with open(log_path, "w") as log:
+        libinput = subprocess.Popen(["stdbuf", "-oL", "-eL", "libinput", "debug-events", "--device", pen.node],
+                                    stdout=log, stderr=subprocess.STDOUT)
+    poll(lambda: libinput.poll() is not None or "DEVICE_ADDED" in read(log_path), PLUG_TIMEOUT_S)
     play(ch, pen, EXPECTED["stroke"])
     no_frame(pen, "after the stroke, from the pen path", NO_FRAME_S)
+    libinput.send_signal(signal.SIGINT)
+    libinput.wait()
+    if not check_libinput(log_path):
+        print(read(log_path), flush=True)
 
 
 def run_plug(ch, pen):
@@ -320,8 +326,9 @@ def check_libinput(log_path):
         found = next((n for n in range(at, len(lines)) if re.search(pattern, lines[n])), None)
         where = "" if found is None else " (line %d: %s)" % (found + 1, lines[found].strip())
         if not check(found is not None, "libinput: %s%s" % (what, where)):
-            return
+            return False
         at = found + 1
+    return True
 
 
 def ping_app(timeout):
@@ -456,7 +463,7 @@ def run_slots(ch, pen, names_path):
         return
     sixth, gone = sixth[0], opened[0]
     with open(names_path, "w") as f:
-        f.write("sixth=%s\nreplugged=%s\n" % (sixth, gone))
+        f.write("%s %s\n" % (sixth, gone))  # the one left alone, the one to be replugged
     check_drivers("at start", dict({dev: "usbfs" for dev in opened}, **{sixth: "usbhid"}))
     strokes(ch, pen, "five open", [(dev, *slot_stroke(n)) for n, dev in enumerate(opened)])
     ch.ok(["mark", "slots-full"])
@@ -478,13 +485,6 @@ def run_slots(ch, pen, names_path):
     check_drivers("slots full", {gone: "usbhid"})
 
 
-def find_node(name):
-    for path in sorted(glob.glob("/sys/class/input/event*/device/name")):
-        if read(path) == name:
-            return "/dev/input/" + path.split("/")[4]
-    return None
-
-
 SCENARIOS = {"stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
 
 
@@ -495,7 +495,8 @@ def main(argv):
         print(line)
         return 0 if line.startswith("ok") else 1
     if cmd == "node" and len(args) == 2:
-        node = poll(lambda: find_node(args[0]), float(args[1]), 0.2)
+        node = poll(lambda: next(("/dev/input/" + path.split("/")[4] for path in sorted(
+            glob.glob("/sys/class/input/event*/device/name")) if read(path) == args[0]), None), float(args[1]), 0.2)
         print(node or "")
         return 0 if node else 1
     if cmd in SCENARIOS and len(args) >= 2:
@@ -504,8 +505,8 @@ def main(argv):
             SCENARIOS[cmd](ch, pen, *args[2:])
         finally:
             pen.close()
-    elif (cmd, len(args)) in (("libinput", 1), ("ping-app", 1), ("driver", 1), ("hidraw", 0)):
-        {"libinput": check_libinput, "ping-app": lambda t: ping_app(float(t)),
+    elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0)):
+        {"ping-app": lambda t: ping_app(float(t)),
          "driver": lambda want: check_drivers("tab1", {"tab1": want}),
          "hidraw": lambda: check_hidraw(Channel())}[cmd](*args)
     else:
@@ -518,6 +519,6 @@ def main(argv):
 if __name__ == "__main__":
     try:
         sys.exit(main(sys.argv[1:]))
-    except NoReply as e:
+    except (NoReply, OSError) as e:
         print("FAIL: control channel: %s" % e, flush=True)
         sys.exit(1)
