@@ -1,25 +1,17 @@
 #!/usr/bin/python3
-"""Checks what the emulated USB devices saw during one e2e run.
+"""Checks what the emulated USB devices saw during one e2e run (events.jsonl).
 
     check_events.py RUN_DIR [--window START_MARK STOP_MARK] CHECK...
 
-Checks (repeatable, run in the order given):
-  --string-read DEV IDX      a GET_DESCRIPTOR request for string IDX, answered
-  --no-string-read DEV IDX   no GET_DESCRIPTOR request for string IDX
-  --out DEV HEX              an output report of exactly these bytes, and no other
-                             output report beginning with the same two bytes
-  --no-out DEV IFACE         no output report on interface IFACE
-  --not-opened DEV IFACE     nobody polled the IN endpoint of interface IFACE
-  --enumerated DEV           string descriptors were requested from the device
-                             (hidapi's enumeration reads them from every device it lists)
-  --app-clean NAME           out/NAME.log has no crash message, NAME.status shows it
-                             ran until stopped and ended by SIGTERM or with 0, and
-                             the guest kernel logged no fault of it
-  --stopped-within NAME SEC  NAME.status shows it ended within SEC seconds of the SIGTERM
+  --string-read DEV IDX     a GET_DESCRIPTOR request for string IDX, answered
+  --enumerated DEV          string descriptors were requested (hidapi's enumeration reads them)
+  --left-alone DEV          no request for string 100, no output report on interface 2, nobody polled it
+  --out DEV HEX             an output report of exactly these bytes, no other beginning with its first two
+  --log-lines NAME N TEXT   out/NAME.log has at least N lines with TEXT
+  --app-clean NAME SEC      out/NAME.log has no crash message, NAME.status shows it ran until
+                            stopped and ended by SIGTERM or with 0 within SEC s, no kernel fault of it
 
-With --window, only the events between the two marks count (marks are logged
-through the control channel, e.g. by scribora_start/scribora_stop).
-Prints PASS/FAIL lines; exit 0 when every check passed, 1 otherwise.
+With --window, only the events between the two marks count. Exit 0 when every check passed.
 """
 import json
 import os
@@ -31,9 +23,8 @@ CRASH = re.compile(
     r"AddressSanitizer|LeakSanitizer|UndefinedBehaviorSanitizer|runtime error:|ASSERT failure|"
     r"ASSERT:|double free|stack smashing|free\(\): invalid|malloc\(\): |Illegal instruction|"
     r"Bus error")
-ARITY = {"--string-read": 2, "--no-string-read": 2, "--out": 2, "--no-out": 2,
-         "--not-opened": 2, "--enumerated": 1, "--app-clean": 1, "--stopped-within": 2,
-         "--window": 2}
+ARITY = {"--window": 2, "--string-read": 2, "--enumerated": 1, "--left-alone": 1, "--out": 2, "--app-clean": 2, "--log-lines": 3}
+IFACE = 2
 
 
 class Checker:
@@ -47,11 +38,13 @@ class Checker:
 
     def result(self, ok, text):
         print(("PASS: " if ok else "FAIL: ") + text)
-        if ok:
-            self.passed += 1
-        else:
-            self.failed += 1
+        self.passed += bool(ok)
+        self.failed += not ok
         return ok
+
+    def none(self, found, text):
+        return self.result(not found, "%s %s%s" % (text, self.where, "" if not found else
+                                                   " (seq %s)" % [e["seq"] for e in found]))
 
     def window(self, start, stop):
         seqs = [next((e["seq"] for e in self.events if e["ev"] == "mark" and e["name"] == m), None)
@@ -72,24 +65,25 @@ class Checker:
 
     def string_reads(self, dev, idx):
         # setup "80 06 0364 0409 0200": bmRequestType, bRequest, wValue, wIndex, wLength
-        want = ["80", "06", "03%02x" % int(idx, 0)]
-        return self.of(dev, "control", lambda e: e["setup"].split()[:3] == want)
+        return self.of(dev, "control", lambda e: e["setup"].split()[:3] == ["80", "06", "03%02x" % idx])
 
     def string_read(self, dev, idx):
-        reads = self.string_reads(dev, idx)
-        answered = [e["setup"] for e in reads if e["status"] == 0]
-        self.result(bool(answered), "%s: GET_DESCRIPTOR string %s requested and answered %s "
-                    "(%s)" % (dev, idx, self.where, [(e["setup"], e["status"]) for e in reads]))
-
-    def no_string_read(self, dev, idx):
-        reads = self.string_reads(dev, idx)
-        self.result(not reads, "%s: no GET_DESCRIPTOR string %s request %s%s"
-                    % (dev, idx, self.where, "" if not reads else " (seq %s)" % [e["seq"] for e in reads]))
+        reads = self.string_reads(dev, int(idx, 0))
+        self.result(any(e["status"] == 0 for e in reads), "%s: GET_DESCRIPTOR string %s requested and "
+                    "answered %s (%s)" % (dev, idx, self.where, [(e["setup"], e["status"]) for e in reads]))
 
     def enumerated(self, dev):
         strings = self.of(dev, "control", lambda e: e["setup"].startswith("80 06 03"))
         self.result(bool(strings), "%s: string descriptors requested %s (%d requests)"
                     % (dev, self.where, len(strings)))
+
+    def left_alone(self, dev):
+        self.none(self.string_reads(dev, 100), "%s: no GET_DESCRIPTOR string 100 request" % dev)
+        # other interfaces may get some, e.g. usbhid's keyboard LED report
+        self.none(self.of(dev, "out_report", lambda e: e.get("iface") == IFACE),
+                  "%s: no output report on interface %d" % (dev, IFACE))
+        self.none(self.of(dev, "irq_start", lambda e: e.get("iface") == IFACE),
+                  "%s: interface %d never polled (not opened)" % (dev, IFACE))
 
     def out(self, dev, hexdata):
         want = hexdata.lower().replace(" ", "")
@@ -102,17 +96,6 @@ class Checker:
         self.result(not others, "%s: no other output report beginning with %s%s"
                     % (dev, want[:4], "" if not others else " (saw %s)" % others))
 
-    def no_out(self, dev, iface):
-        # other interfaces may get some, e.g. usbhid's keyboard LED report
-        bad = self.of(dev, "out_report", lambda e: e.get("iface") == int(iface))
-        self.result(not bad, "%s: no output report on interface %s %s%s"
-                    % (dev, iface, self.where, "" if not bad else " (seq %s)" % [e["seq"] for e in bad]))
-
-    def not_opened(self, dev, iface):
-        bad = self.of(dev, "irq_start", lambda e: e.get("iface") == int(iface))
-        self.result(not bad, "%s: interface %s never polled (not opened) %s%s"
-                    % (dev, iface, self.where, "" if not bad else " (seq %s)" % [e["seq"] for e in bad]))
-
     def read(self, *path):
         try:
             with open(os.path.join(self.run_dir, *path), errors="replace") as f:
@@ -121,30 +104,27 @@ class Checker:
             self.result(False, "cannot read %s (%s)" % (os.path.join(*path), e))
             return ""
 
-    def status(self, name):
-        text = self.read("out", name + ".status")
-        return dict(line.partition("=")[::2] for line in text.splitlines())
+    def log_lines(self, name, least, text):
+        count = sum(text in line for line in self.read("out", name + ".log").splitlines())
+        self.result(count >= int(least), "%s: %d lines with '%s' (want %s or more)" % (name, count, text, least))
 
-    def app_clean(self, name):
+    def app_clean(self, name, seconds):
         lines = self.read("out", name + ".log").splitlines()
         hits = [line for line in lines if CRASH.search(line)]
         self.result(not hits, "%s: no crash message in its output (%d lines)%s"
                     % (name, len(lines), "" if not hits else ": " + " | ".join(hits[:5])))
-        status = self.status(name)
-        self.result(status.get("alive_before_stop") == "1", "%s: still running when it was "
-                    "stopped" % name)
+        status = dict(line.partition("=")[::2] for line in self.read("out", name + ".status").splitlines())
+        self.result(status.get("alive_before_stop") == "1", "%s: still running when it was stopped" % name)
         # 143 = killed by the SIGTERM it was sent; 0 = it handled SIGTERM and quit
         self.result(status.get("exit_status") in ("0", "143"), "%s: ended by SIGTERM or with "
                     "status 0 (status %s)" % (name, status.get("exit_status")))
+        took = status.get("stop_seconds", "nan")
+        self.result(float(took) <= float(seconds), "%s: ended %s s after SIGTERM (limit %s s)"
+                    % (name, took, seconds))
         faults = [line for line in self.read("dmesg.txt").splitlines()
                   if name in line and re.search(r"segfault|trap|general protection", line)]
         self.result(not faults, "%s: no fault in the guest kernel log%s"
                     % (name, "" if not faults else ": " + " | ".join(faults[:3])))
-
-    def stopped_within(self, name, seconds):
-        took = self.status(name).get("stop_seconds", "nan")
-        self.result(float(took) <= float(seconds), "%s: ended %s s after SIGTERM (limit %s s)"
-                    % (name, took, seconds))
 
 
 def main(argv):
@@ -152,8 +132,9 @@ def main(argv):
         sys.exit(__doc__)
     c, args = Checker(argv[0]), argv[1:]
     while args:
-        opt, values, args = args[0], args[1:1 + ARITY.get(args[0], 0)], args[1 + ARITY.get(args[0], 0):]
-        if opt not in ARITY or len(values) != ARITY[opt]:
+        n = ARITY.get(args[0], 0)
+        opt, values, args = args[0], args[1:1 + n], args[1 + n:]
+        if opt not in ARITY or len(values) != n:
             c.result(False, "bad check %s %s" % (opt, values))
             break
         try:

@@ -1,8 +1,5 @@
 #!/bin/bash
-# Guest side of e2e_hotplug: the driver starts with no tablet; tab1 is plugged
-# in, drawn on and unplugged, then plugged in again and unplugged while the
-# pen moves. After each unplug the driver must run on and answer.
-#   hotplug.sh SCRIBORA_BINARY BUILD_DIR
+# Guest side of e2e_hotplug (README.md): hotplug.sh SCRIBORA_BINARY BUILD_DIR
 # shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 

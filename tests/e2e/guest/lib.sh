@@ -1,9 +1,5 @@
-# shellcheck shell=bash
-# Helpers for the scripts that run inside the e2e guest (sourced by bash).
-# The guest sees the host's files read-only at the same paths, except under
-# /tmp and /var/tmp; writes go to a RAM overlay, except in the run dir
-# (/e2e/run: the copies of these scripts, the binary and conf/ that the host
-# staged) and $E2E_OUT, which the host reads after the run.
+# shellcheck shell=bash disable=SC2034  # status and PEN_NODE are for the sourcing scripts
+# Helpers for the scripts that run inside the e2e guest; the host reads $E2E_OUT after the run.
 set -u
 E2E_GUEST_DIR="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 : "${E2E_OUT:=/e2e/run/out}"
@@ -11,23 +7,19 @@ SCRIBORA_CONF_DIR=/usr/lib/scribora/conf/norva
 SCRIBORA_PID=""
 # Cold starts over 9p under TCG take seconds; this only bounds a hang.
 E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
-# shellcheck disable=SC2034  # status and PEN_NODE are for the sourcing scripts
 status=0
 
 guest_log() { echo "guest: $*"; }
 probe() { /usr/bin/python3 "$E2E_GUEST_DIR/probe.py" "$@"; }
 emuctl() { probe emuctl "$@"; }
 
-# scribora_install_conf BUILD_DIR : lays down the configuration folder from
-# the files the build generated (target scribora_data).
+# scribora_install_conf BUILD_DIR: the configuration folder the build generated
 scribora_install_conf() {
     mkdir -p "$SCRIBORA_CONF_DIR" &&
         cp "$1"/conf/{config.xml,name_config.ini,language.ini} "$SCRIBORA_CONF_DIR/"
 }
 
-# scribora_start BINARY : starts the driver in the background, its output in
-# $E2E_OUT/scribora.log; the marks let the host-side checks look only at what
-# happened while it ran.
+# scribora_start BINARY: in the background, output in $E2E_OUT/scribora.log
 scribora_start() {
     [ -x "$1" ] || { guest_log "scribora binary $1 not found"; return 1; }
     mkdir -p "$E2E_OUT"
@@ -39,8 +31,7 @@ scribora_start() {
     guest_log "scribora started (pid $SCRIBORA_PID)"
 }
 
-# scribora_stop : SIGTERM; records in $E2E_OUT/scribora.status whether it was
-# still running, how it ended and how long that took (read by the host).
+# scribora_stop: SIGTERM; $E2E_OUT/scribora.status: was it running, its status, how long it took
 scribora_stop() {
     local alive=0 rc t0
     [ -n "$SCRIBORA_PID" ] || return 1
@@ -61,19 +52,20 @@ scribora_stop() {
     [ "$alive" = 1 ]
 }
 
-# scribora_alive WHEN : the driver still runs and its event loop answers.
-scribora_alive() {
-    if kill -0 "$SCRIBORA_PID" 2>/dev/null; then
-        echo "PASS: scribora still runs $1"
-        probe ping-app 10
-    else
-        echo "FAIL: scribora ended $1"
-        return 1
-    fi
+# expect WHAT COMMAND...: a PASS or FAIL line; a failure sets status
+expect() {
+    local what="$1"
+    shift
+    "$@" && { echo "PASS: $what"; return 0; }
+    echo "FAIL: $what"
+    status=1
+    return 1
 }
 
-# shellcheck disable=SC2034
-# pen_node : waits for the driver's virtual pen; sets PEN_NODE.
+# scribora_alive WHEN: the driver still runs and its event loop answers
+scribora_alive() { expect "scribora still runs $1" kill -0 "$SCRIBORA_PID" && probe ping-app 10; }
+
+# pen_node: waits for the driver's virtual pen; sets PEN_NODE
 pen_node() {
     PEN_NODE="$(probe node "NORVA Pen" "$E2E_WAIT_S")" || { guest_log "no \"NORVA Pen\" input device"; return 1; }
 }

@@ -1,7 +1,5 @@
 #!/bin/bash
-# Guest side of e2e_like_tablets and e2e_six_tablets: the driver starts with
-# the emulated tablets plugged in; probe.py like|slots plays the scenario.
-#   tablets.sh like|slots SCRIBORA_BINARY BUILD_DIR
+# Guest side of e2e_like_tablets and e2e_six_tablets (README.md): tablets.sh like|slots SCRIBORA_BINARY BUILD_DIR
 # shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
