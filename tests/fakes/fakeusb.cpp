@@ -36,7 +36,6 @@ struct State {
     std::vector<std::pair<std::string, Write>> writes;
     std::set<FakeHotplug *> listeners;
     int openHandles = 0;
-    int openCalls = 0;
     int resets = 0; // handles of an earlier test close without counting
 };
 
@@ -146,17 +145,13 @@ public:
     {
         const int index = value & 0xFF;
         Bytes payload;
-        if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03)
+        if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03 ||
+            language != (index ? kLanguage : 0))
             return -1;
-        if (index == 0 && language == 0)
+        if (index == 0)
             payload = {kLanguage & 0xFF, kLanguage >> 8};
-        else if (language != kLanguage)
-            return -1;
         else if (m_Device.rawStrings.count(index))
             payload = m_Device.rawStrings.at(index);
-        else if (m_Device.strings.count(index))
-            for (wchar_t c : m_Device.strings.at(index))
-                payload.insert(payload.end(), {uint8_t(c), uint8_t(uint32_t(c) >> 8)});
         else
             return -1;
         payload.insert(payload.begin(), {uint8_t(payload.size() + 2), 0x03});
@@ -265,7 +260,6 @@ public:
     std::unique_ptr<HidDevice> openHid(const std::string &path) override
     {
         const Lock lock = locked();
-        ++state().openCalls;
         for (size_t i = 0; i < state().devices.size(); ++i) {
             const Attached &candidate = state().devices[i];
             const auto &numbers = candidate.device.interfaces;
@@ -303,7 +297,7 @@ void reset()
     const Lock lock = locked();
     state().devices.clear();
     state().writes.clear();
-    state().openHandles = state().openCalls = 0;
+    state().openHandles = 0;
     ++state().resets;
     state().changed.notify_all();
 }
@@ -363,12 +357,6 @@ int openHidHandles()
 {
     const Lock lock = locked();
     return state().openHandles;
-}
-
-int hidOpenCalls()
-{
-    const Lock lock = locked();
-    return state().openCalls;
 }
 
 } // namespace fakeusb
