@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QMutexLocker>
 #include <cstring>
+#include <functional>
+#include <map>
 #include <thread>
 
 namespace
@@ -62,26 +64,15 @@ QStringList run(const QString &line)
     a.LPI = 1000;
     tablet.m_TabletXMLData->DeviceCurPenID = 7;
     const QStringList parts = line.mid(3).split('|');
-    for (const QString &setting : parts[0].split(' ', Qt::SkipEmptyParts)) {
-        const QStringList kv = setting.split('=');
-        const int value = kv[1].toInt();
-        bool known = true;
-        if (kv[0] == "pens")
-            tablet.m_TabletXMLData->DevicePenNum = int16_t(value);
-        else if (kv[0] == "moveMask")
-            tablet.m_TabletXMLData->PenMoveInTablet = int16_t(value);
-        else if (kv[0] == "seenMask")
-            tablet.m_PenSeenMask = short(value);
-        else if (kv[0] == "active")
-            tablet.m_Active = value;
-        else if (kv[0] == "multi")
-            tablet.m_SendMultiData = value;
-        else if (kv[0] == "selecting")
-            tablet.m_AreaSelecting = value;
-        else
-            known = false;
-        EXPECT_TRUE(known) << setting.toStdString();
-    }
+    const std::map<QString, std::function<void(int)>> setters = {
+        {"pens", [&](int v) { tablet.m_TabletXMLData->DevicePenNum = int16_t(v); }},
+        {"moveMask", [&](int v) { tablet.m_TabletXMLData->PenMoveInTablet = int16_t(v); }},
+        {"seenMask", [&](int v) { tablet.m_PenSeenMask = short(v); }},
+        {"active", [&](int v) { tablet.m_Active = v; }},
+        {"multi", [&](int v) { tablet.m_SendMultiData = v; }},
+        {"selecting", [&](int v) { tablet.m_AreaSelecting = v; }}};
+    for (const QString &setting : parts[0].split(' ', Qt::SkipEmptyParts))
+        setters.at(setting.section('=', 0, 0))(setting.section('=', 1).toInt());
     QStringList out;
     auto note = [&out](QString what) { out << what; };
     QObject::connect(&tablet, &CTablet::SentTabletLightData,

@@ -41,10 +41,9 @@ void unplug(const std::string &name);
 
 std::string hidPath(const std::string &name, int interfaceNumber);
 
-// Reports returned, in order, by reads on any open handle of the device.
+// Reports returned, in order, by reads on any open handle of the device; an
+// empty one makes its read fail.
 void queueReport(const std::string &name, const Bytes &report);
-// The next `count` reads on the device fail.
-void queueReadErrors(const std::string &name, int count);
 
 // Writes to the named device, or to any with "".
 std::vector<Write> writesTo(const std::string &name);
