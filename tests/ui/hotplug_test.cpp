@@ -204,11 +204,8 @@ TEST_F(HotPlug, ArrivalsAndRemovalsFillTheSlots)
         }
         closer.stop();
         expectSlots(c[2]);
-        EXPECT_EQ(boxes,
-                  QStringList(QVector<QString>(
-                                  change.count(":x"),
-                                  "warning|You need to use root permissions to run the driver.")
-                                  .toList()));
+        const QString warning = "warning|You need to use root permissions to run the driver.";
+        EXPECT_EQ(boxes.join(','), change.contains(":x") ? warning : QString());
         for (size_t slot = 0; slot < earlier.size(); ++slot) {
             const bool gone = earlier[slot] && earlier[slot]->m_ProductId == left;
             EXPECT_TRUE(!earlier[slot] || gone || CGlobalData::TabletArray[slot] == earlier[slot]);
