@@ -202,6 +202,12 @@ TEST_F(Session, CommandFramesByteForByte)
     }
 }
 
+TEST_F(Session, AKeyboardStyleRemoteGetsItsOwnStartPacket)
+{
+    open(tablet("remote", 0x03E1, 1));
+    EXPECT_EQ(lastWrite("remote"), frame(10, {0x03, 0x01, uint8_t(row(0x03E1).reportMode)}));
+}
+
 // What goes back to the device when it tells of its connection.
 TEST_F(Session, AConnectionNoticeRestoresTheModeAndAWirelessDeviceItsLights)
 {
