@@ -8,12 +8,8 @@ namespace
 QStringList areas(const QSignalSpy &spy)
 {
     QStringList result;
-    for (const QList<QVariant> &area : spy) {
-        QStringList numbers;
-        for (const QVariant &number : area)
-            numbers << number.toString();
-        result << numbers.join(' ');
-    }
+    for (const QList<QVariant> &area : spy)
+        result << QVariant(area).toStringList().join(' ');
     return result;
 }
 

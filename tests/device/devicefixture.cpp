@@ -9,7 +9,7 @@ void DeviceFixture::SetUp()
 {
     fakeusb::reset();
     CGlobalData::ConfigFolder = m_Folder.path();
-    writeConfig(section("QTB0610") + section("QTB0610W") + section("QPD1600"));
+    writeConfig(section("QTB0610") + section("QTB0610W") + section("QPD1600") + section("QRK12"));
     writeNames("[Common]\nPID_0B40=Scribora Sketch S\n");
     for (QRect &screen : CGlobalData::ScreenArray)
         screen = QRect();

@@ -1,26 +1,16 @@
 #include "actionmessages.h"
 #include "devicecommands.h"
 #include "devicefixture.h"
-#include "xmlhelp.h"
 
 #include <QFile>
 #include <QMutexLocker>
-#include <QSignalSpy>
 #include <cstring>
+#include <functional>
+#include <map>
 #include <thread>
 
 namespace
 {
-
-using Op = std::pair<int, int>;
-
-std::vector<Op> ops(const QSignalSpy &spy)
-{
-    std::vector<Op> result;
-    for (const QList<QVariant> &args : spy)
-        result.emplace_back(args.at(0).toInt(), args.at(1).toInt());
-    return result;
-}
 
 QString hex(const char *data, int size)
 {
@@ -52,7 +42,8 @@ QStringList fields(const CTablet &t)
         lines << QString("%1=%2").arg(names[i]).arg(numbers[i]);
     lines << "TabletType=" + hex(reinterpret_cast<const char *>(a.TabletType), kTabletTypeSize)
           << "SecondSerial=" + hex(reinterpret_cast<const char *>(a.SecondSerial), 8)
-          << "IncomingFile=" + hex(t.m_IncomingFile.constData(), t.m_IncomingFile.size());
+          << "IncomingFile=" + hex(t.m_IncomingFile.constData(), t.m_IncomingFile.size())
+          << QString("IncomingSelectID=%1").arg(t.m_IncomingNode->SelectID);
     return lines;
 }
 
@@ -73,26 +64,15 @@ QStringList run(const QString &line)
     a.LPI = 1000;
     tablet.m_TabletXMLData->DeviceCurPenID = 7;
     const QStringList parts = line.mid(3).split('|');
-    for (const QString &setting : parts[0].split(' ', Qt::SkipEmptyParts)) {
-        const QStringList kv = setting.split('=');
-        const int value = kv[1].toInt();
-        bool known = true;
-        if (kv[0] == "pens")
-            tablet.m_TabletXMLData->DevicePenNum = int16_t(value);
-        else if (kv[0] == "moveMask")
-            tablet.m_TabletXMLData->PenMoveInTablet = int16_t(value);
-        else if (kv[0] == "seenMask")
-            tablet.m_PenSeenMask = short(value);
-        else if (kv[0] == "active")
-            tablet.m_Active = value;
-        else if (kv[0] == "multi")
-            tablet.m_SendMultiData = value;
-        else if (kv[0] == "selecting")
-            tablet.m_AreaSelecting = value;
-        else
-            known = false;
-        EXPECT_TRUE(known) << setting.toStdString();
-    }
+    const std::map<QString, std::function<void(int)>> setters = {
+        {"pens", [&](int v) { tablet.m_TabletXMLData->DevicePenNum = int16_t(v); }},
+        {"moveMask", [&](int v) { tablet.m_TabletXMLData->PenMoveInTablet = int16_t(v); }},
+        {"seenMask", [&](int v) { tablet.m_PenSeenMask = short(v); }},
+        {"active", [&](int v) { tablet.m_Active = v; }},
+        {"multi", [&](int v) { tablet.m_SendMultiData = v; }},
+        {"selecting", [&](int v) { tablet.m_AreaSelecting = v; }}};
+    for (const QString &setting : parts[0].split(' ', Qt::SkipEmptyParts))
+        setters.at(setting.section('=', 0, 0))(setting.section('=', 1).toInt());
     QStringList out;
     auto note = [&out](QString what) { out << what; };
     QObject::connect(&tablet, &CTablet::SentTabletLightData,
@@ -160,62 +140,6 @@ TEST(Dispatcher, RepliesWakeTheWaiterOfTheirCondition)
         reader.join();
         EXPECT_EQ(woken, c.wakes) << int(c.report[2]);
     }
-}
-
-// A whole file as a device sends it: a header, then 64-byte frames padded with zeros.
-std::vector<Op> readFromDevice(CTablet &tablet, const QByteArray &file)
-{
-    QSignalSpy spy(&tablet, &CTablet::PostDeviceOperatorMsg);
-    const auto size = static_cast<uint32_t>(file.size());
-    feed(tablet, {0x02, 0xB6, 0x00, 0x01, uint8_t(size), uint8_t(size >> 8), uint8_t(size >> 16),
-                  uint8_t(size >> 24), 0});
-    for (int at = 0; at < file.size(); at += 61) {
-        Bytes frame = bytes("02 b6 00");
-        frame.insert(frame.end(), file.begin() + at, file.begin() + qMin(at + 61, file.size()));
-        frame.resize(64, 0);
-        feed(tablet, frame);
-    }
-    feed(tablet, bytes("02 b6 02 00"));
-    return ops(spy);
-}
-
-TEST(Dispatcher, ACompleteFileFillsTheIncomingNodeAndABrokenOneKeepsIt)
-{
-    CTablet tablet;
-    auto node = std::make_unique<_stAppConfigNode>();
-    node->SelectID = 2;
-    node->KeyGroup[2].bEnable = 1;
-    node->KeyGroup[2].Key[10].id = 1;
-    strcpy(node->KeyGroup[2].Key[10].func, "1|Undo|Ctrl+Z|29:0+44:0");
-    node->Ring[0].Item[3].id = 2;
-    strcpy(node->Ring[0].Item[3].func, "3|Zoom|2");
-    const QByteArray file = XMLHelp("").SaveConfigToDevice("", node.get());
-    ASSERT_GT(file.size(), 61 * 3);
-    const std::vector<Op> seen = readFromDevice(tablet, file);
-    ASSERT_GE(seen.size(), 3u);
-    EXPECT_EQ(seen.front(), Op(kOpReadHeader, file.size()));
-    EXPECT_EQ(seen.back(), Op(kOpReadDone, 1));
-    for (size_t i = 1; i + 1 < seen.size(); ++i)
-        EXPECT_TRUE(seen[i].first == kOpReadProgress && seen[i].second <= 100) << i;
-    const auto incoming = [&]() -> _stAppConfigNode & { return *tablet.m_IncomingNode; };
-    EXPECT_EQ(incoming().SelectID, 2);
-    EXPECT_EQ(incoming().KeyGroup[2].bEnable, 1);
-    EXPECT_STREQ(incoming().KeyGroup[2].Key[10].func, "1|Undo|Ctrl+Z|29:0+44:0");
-    EXPECT_STREQ(incoming().Ring[0].Item[3].func, "3|Zoom|2");
-    EXPECT_EQ(tablet.m_IncomingCount, 0);
-    EXPECT_FALSE(tablet.m_Receiving);
-    EXPECT_TRUE(tablet.m_IncomingFile.isEmpty());
-
-    // One padded frame counts 61 bytes of 13: 469 %, so no progress is told.
-    EXPECT_EQ(readFromDevice(tablet, "<QRM07App><K>"),
-              (std::vector<Op>{{kOpReadHeader, 13}, {kOpReadFailed, 1}}));
-    EXPECT_EQ(incoming().SelectID, 2);
-    EXPECT_STREQ(incoming().KeyGroup[2].Key[10].func, "1|Undo|Ctrl+Z|29:0+44:0");
-
-    const std::vector<Op> negative =
-        readFromDevice(tablet, "<QRM07App><SelectID>-1</SelectID></QRM07App>");
-    EXPECT_EQ(negative.back(), Op(8, 1)) << "a negative selection is stored but fails";
-    EXPECT_EQ(incoming().SelectID, -1);
 }
 
 // Every length of every kind of report, with hostile bytes, on the decoding

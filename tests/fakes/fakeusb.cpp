@@ -23,8 +23,7 @@ constexpr uint16_t kLanguage = 0x0409;
 struct Attached {
     Device device;
     bool present = true;
-    std::deque<Bytes> reports;
-    int readErrors = 0;
+    std::deque<Bytes> reports; // an empty one is a failed read
 };
 
 class FakeHotplug;
@@ -35,9 +34,7 @@ struct State {
     std::vector<Attached> devices;
     std::vector<std::pair<std::string, Write>> writes;
     std::set<FakeHotplug *> listeners;
-    int openHandles = 0;
-    int openCalls = 0;
-    int resets = 0; // handles of an earlier test close without counting
+    std::set<const HidDevice *> handles; // open, and opened since the last reset
 };
 
 // Never destroyed: the program's objects may call in during exit.
@@ -73,14 +70,14 @@ std::string pathOf(const Device &device, int interfaceNumber)
 class FakeHid : public HidDevice
 {
 public:
-    FakeHid(size_t index, const std::string &path)
-        : HidDevice(path), m_Index(index), m_Resets(state().resets)
+    FakeHid(size_t index, const std::string &path) : HidDevice(path), m_Index(index)
     {
+        state().handles.insert(this);
     }
     ~FakeHid() override
     {
         const Lock lock = locked();
-        state().openHandles -= m_Resets == state().resets;
+        state().handles.erase(this);
     }
     int write(const unsigned char *data, size_t length) override
     {
@@ -96,11 +93,11 @@ public:
             std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
         Lock lock = locked();
         for (Attached *device = alive(); device; device = alive()) {
-            if (device->readErrors > 0 && device->readErrors--)
-                return -1;
             if (!device->reports.empty()) {
                 const Bytes report = device->reports.front();
                 device->reports.pop_front();
+                if (report.empty())
+                    return -1;
                 std::copy_n(report.begin(), std::min(length, report.size()), data);
                 return int(std::min(length, report.size()));
             }
@@ -128,12 +125,11 @@ public:
 private:
     Attached *alive()
     {
-        const bool current = m_Resets == state().resets && state().devices[m_Index].present;
+        const bool current = state().handles.count(this) && state().devices[m_Index].present;
         return current ? &state().devices[m_Index] : nullptr;
     }
 
     size_t m_Index;
-    int m_Resets;
 };
 
 // Answers GET_DESCRIPTOR for strings as a device with the one language does.
@@ -146,17 +142,13 @@ public:
     {
         const int index = value & 0xFF;
         Bytes payload;
-        if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03)
+        if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03 ||
+            language != (index ? kLanguage : 0))
             return -1;
-        if (index == 0 && language == 0)
+        if (index == 0)
             payload = {kLanguage & 0xFF, kLanguage >> 8};
-        else if (language != kLanguage)
-            return -1;
         else if (m_Device.rawStrings.count(index))
             payload = m_Device.rawStrings.at(index);
-        else if (m_Device.strings.count(index))
-            for (wchar_t c : m_Device.strings.at(index))
-                payload.insert(payload.end(), {uint8_t(c), uint8_t(uint32_t(c) >> 8)});
         else
             return -1;
         payload.insert(payload.begin(), {uint8_t(payload.size() + 2), 0x03});
@@ -265,17 +257,14 @@ public:
     std::unique_ptr<HidDevice> openHid(const std::string &path) override
     {
         const Lock lock = locked();
-        ++state().openCalls;
         for (size_t i = 0; i < state().devices.size(); ++i) {
             const Attached &candidate = state().devices[i];
             const auto &numbers = candidate.device.interfaces;
             const bool here = std::any_of(numbers.begin(), numbers.end(), [&](int number) {
                 return pathOf(candidate.device, number) == path;
             });
-            if (candidate.present && here && candidate.device.openable) {
-                ++state().openHandles;
+            if (candidate.present && here && candidate.device.openable)
                 return std::make_unique<FakeHid>(i, path);
-            }
         }
         return nullptr;
     }
@@ -303,21 +292,20 @@ void reset()
     const Lock lock = locked();
     state().devices.clear();
     state().writes.clear();
-    state().openHandles = state().openCalls = 0;
-    ++state().resets;
+    state().handles.clear();
     state().changed.notify_all();
 }
 
 void addDevice(const Device &device)
 {
     const Lock lock = locked();
-    state().devices.push_back({device, true, {}, 0});
+    state().devices.push_back({device, true, {}});
 }
 
 void plug(const Device &device)
 {
+    addDevice(device);
     const Lock lock = locked();
-    state().devices.push_back({device, true, {}, 0});
     announce(device, 1);
 }
 
@@ -341,13 +329,6 @@ void queueReport(const std::string &name, const Bytes &report)
     state().changed.notify_all();
 }
 
-void queueReadErrors(const std::string &name, int count)
-{
-    const Lock lock = locked();
-    latest(name).readErrors += count;
-    state().changed.notify_all();
-}
-
 std::vector<Write> writesTo(const std::string &name)
 {
     const Lock lock = locked();
@@ -362,13 +343,7 @@ std::vector<Write> writesTo(const std::string &name)
 int openHidHandles()
 {
     const Lock lock = locked();
-    return state().openHandles;
-}
-
-int hidOpenCalls()
-{
-    const Lock lock = locked();
-    return state().openCalls;
+    return int(state().handles.size());
 }
 
 } // namespace fakeusb

@@ -19,9 +19,9 @@ struct Device {
     uint16_t pid = 0;
     std::vector<uint8_t> ports{1}; // on bus 1: HID path "1-p1.p2:1.iface"
     std::vector<int> interfaces{0, 1, 2};
-    // Text string descriptors (1 maker, 2 product, 3 serial, 4, 5, ...), in language 0x0409.
+    // HID text strings: 1 maker, 2 product, 3 serial, 4, 5, ...
     std::map<int, std::wstring> strings;
-    std::map<int, Bytes> rawStrings; // binary string descriptors, payload only (e.g. 100)
+    std::map<int, Bytes> rawStrings; // USB string descriptors in 0x0409, payload only (e.g. 100)
     bool openable = true;            // false: neither the HID nor the USB device opens
 };
 
@@ -41,14 +41,12 @@ void unplug(const std::string &name);
 
 std::string hidPath(const std::string &name, int interfaceNumber);
 
-// Reports returned, in order, by reads on any open handle of the device.
+// Reports returned, in order, by reads on any open handle of the device; an
+// empty one makes its read fail.
 void queueReport(const std::string &name, const Bytes &report);
-// The next `count` reads on the device fail.
-void queueReadErrors(const std::string &name, int count);
 
 // Writes to the named device, or to any with "".
 std::vector<Write> writesTo(const std::string &name);
 int openHidHandles();
-int hidOpenCalls();
 
 } // namespace fakeusb
