@@ -36,22 +36,16 @@ std::map<std::string, Calls> readCalls()
     std::string section;
     for (std::string line; std::getline(in, line);) {
         std::istringstream words(line);
-        std::string kind, range;
+        std::string kind, bit;
         words >> kind;
-        if (line.empty() || line[0] == '#') {
+        if (line.empty() || line[0] == '#')
             continue;
-        } else if (line[0] == '[') {
+        if (line[0] == '[')
             section = line.substr(1, line.size() - 2);
-        } else if (kind.find("BIT") == std::string::npos) {
+        else if (kind.find("BIT") == std::string::npos)
             sets[section].insert(line);
-        }
-        while (kind.find("BIT") != std::string::npos && words >> range) {
-            const size_t dash = range.find('-');
-            const int first = std::stoi(range.substr(0, dash));
-            const int last = dash == std::string::npos ? first : std::stoi(range.substr(dash + 1));
-            for (int bit = first; bit <= last; ++bit)
-                sets[section].insert(kind + " " + std::to_string(bit));
-        }
+        while (kind.find("BIT") != std::string::npos && words >> bit)
+            sets[section].insert(kind + " " + bit);
     }
     return sets;
 }

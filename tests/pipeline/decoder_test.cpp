@@ -1,3 +1,4 @@
+#include "capturedlog.h"
 #include "cparsetabletdata.h"
 
 #include <QString>
@@ -17,13 +18,6 @@
 namespace
 {
 
-std::vector<std::string> g_log;
-
-void collectLog(QtMsgType, const QMessageLogContext &, const QString &message)
-{
-    g_log.push_back(message.toStdString());
-}
-
 std::string keysDown(const uint8_t (&states)[kTabletKeyCount])
 {
     std::string down;
@@ -37,8 +31,8 @@ std::string keysDown(const uint8_t (&states)[kTabletKeyCount])
 std::string joined(const std::vector<std::string> &lines)
 {
     std::string all;
-    for (const std::string &line : lines)
-        all += (all.empty() ? "" : ",") + line;
+    for (const std::string &line : lines) // without "log D "
+        all += (all.empty() ? "" : ",") + line.substr(6);
     for (char &c : all)
         c = c == ' ' ? '_' : c;
     return all.empty() ? "-" : all;
@@ -64,7 +58,7 @@ std::map<std::string, std::string> fields(int result, const TabletDataEX &d)
             {"last", std::to_string(history.lastWhell)},
             {"lnum", std::to_string(history.lnum)},
             {"rnum", std::to_string(history.rnum)},
-            {"log", joined(g_log)}};
+            {"log", joined(capturedlog::lines())}};
 }
 
 // "[@N] LENGTH PID BYTES... => NAME=VALUE...": decoder N (0 unless named), PID hexadecimal.
@@ -86,7 +80,7 @@ void runStep(const std::string &line, CParseTabletData *decoders)
     data.productId = std::stoi(word, nullptr, 16);
     for (size_t i = 0; in >> word && word != "=>"; ++i)
         buffer.at(i) = static_cast<unsigned char>(std::stoi(word, nullptr, 16));
-    g_log.clear();
+    capturedlog::lines().clear();
     const std::map<std::string, std::string> actual =
         fields(decoders[which].ParseData(buffer.data(), length, &data), data);
     while (in >> word) {
@@ -102,7 +96,7 @@ TEST(Decoder, Cases)
 {
     std::ifstream cases(DECODER_CASES);
     ASSERT_TRUE(cases.good()) << DECODER_CASES;
-    const QtMessageHandler previous = qInstallMessageHandler(collectLog);
+    capturedlog::install();
     std::unique_ptr<CParseTabletData[]> decoders(new CParseTabletData[2]);
     std::string name;
     int steps = 0;
@@ -122,7 +116,6 @@ TEST(Decoder, Cases)
         ++total;
         runStep(line, decoders.get());
     }
-    qInstallMessageHandler(previous);
     EXPECT_GT(total, 0);
 }
 
