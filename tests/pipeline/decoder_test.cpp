@@ -1,16 +1,14 @@
 #include "capturedlog.h"
 #include "cparsetabletdata.h"
 
-#include <QString>
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <sstream>
-#include <string>
-#include <vector>
 
 // Runs decoder_cases.txt: each step decodes one report, as the dispatcher does (a zeroed
 // 64-byte buffer and a record holding only the product id), and compares the fields its line
@@ -137,22 +135,19 @@ TEST(Decoder, NullPointersGiveZero)
 // Bits, result, then current and previous of the four buttons.
 TEST(Decoder, PenButtonStateSequence)
 {
-    const char *const steps[] = {"0 0 0000 0000", "9 1 1001 0000", "9 1 1001 1001", "2 1 0100 1001",
-                                 "0 1 0000 0100", "0 0 0000 0000", "16 0 0000 0000"};
     CParseTabletData decoder;
-    for (const char *step : steps) {
+    for (const char *step : {"0 0 0000 0000", "9 1 1001 0000", "9 1 1001 1001", "2 1 0100 1001",
+                             "0 1 0000 0100", "0 0 0000 0000", "16 0 0000 0000"}) {
         PenBtnData buttons;
-        std::istringstream in(step);
-        int bits = 0;
-        bool result = false;
-        in >> bits >> result;
-        std::string states = std::to_string(decoder.ChangeToPenBtnState(bits, buttons)) + " ";
+        const int bits = std::atoi(step);
+        std::string states = std::to_string(bits) + " " +
+                             std::to_string(int(decoder.ChangeToPenBtnState(bits, buttons)));
         for (const uint8_t *row : {buttons.current, buttons.previous}) {
+            states += " ";
             for (int b = 0; b < kPenButtonCount; ++b)
                 states += std::to_string(row[b]);
-            states += " ";
         }
-        EXPECT_EQ(std::to_string(bits) + " " + states, std::string(step) + " ") << step;
+        EXPECT_EQ(states, step);
     }
 }
 
