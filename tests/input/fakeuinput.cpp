@@ -33,10 +33,10 @@ Node *nodeFor(int fd)
         ++s.strayCalls;
     if (!s.active || fd <= 0 || fstat(fd, &info) != 0)
         return nullptr;
-    for (size_t index = 0; index < s.nodes.size(); ++index) {
-        if (s.nodes[index].fd >= 0 &&
-            s.files[index] == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
-            return &s.nodes[index];
+    for (Node &node : s.nodes) {
+        if (node.fd >= 0 &&
+            node.file == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
+            return &node;
     }
     return nullptr;
 }
@@ -49,8 +49,7 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     if (!s.active || !path || std::strcmp(path, "/dev/uinput") != 0)
         return real(path, flags, mode);
     const size_t index = s.nodes.size();
-    s.nodes.push_back({flags, -1, {}});
-    s.files.push_back({});
+    s.nodes.push_back({flags, -1, {}, {}});
     if (s.openFailures & (1u << index)) {
         errno = EACCES;
         return -1;
@@ -59,8 +58,7 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     const int fd = real(node.c_str(), flags | O_CREAT | O_TRUNC, 0600);
     struct stat info = {};
     if (fd >= 0 && fstat(fd, &info) == 0) {
-        s.nodes[index].fd = fd;
-        s.files[index] = {info.st_dev, info.st_ino};
+        s.nodes[index] = {flags, fd, {}, {info.st_dev, info.st_ino}};
     }
     return fd;
 }

@@ -18,6 +18,7 @@ struct Node {
     // "GET_VERSION", "KEYBIT 330", "ABS_SETUP code min max resolution", "DEV_SETUP 'name'
     // bus vendor product version", "RECORD ..." for the record of old kernels, in order.
     std::vector<std::string> calls;
+    std::pair<unsigned long, unsigned long> file; // device and inode
 };
 
 struct State {
@@ -28,7 +29,6 @@ struct State {
     int strayCalls = 0;        // writes and ioctls on descriptors 0 or below
     bool active = false;
     std::string folder;
-    std::vector<std::pair<unsigned long, unsigned long>> files; // device and inode of each node
 };
 
 // Reset by start; never destroyed, as the C library may call in after static destructors ran.

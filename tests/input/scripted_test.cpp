@@ -9,7 +9,6 @@
 #include "tabletdata.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QSettings>
 #include <QSignalSpy>
@@ -272,21 +271,15 @@ protected:
         CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
         CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
         CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
-        m_device.MaxX = 10000;
-        m_device.MaxY = 8000;
-        m_device.LPI = 1000;
-        m_device.Width = 1000;
-        m_device.Height = 800;
-        m_device.MaxPressure = 2047;
+        std::tie(m_device.MaxX, m_device.MaxY, m_device.LPI, m_device.Width, m_device.Height,
+                 m_device.MaxPressure) = std::tuple(10000, 8000, 1000, 1000, 800, 2047);
         stTablet_XMLData &settings = *m_settings;
         settings.ScreenId = 2;
         settings.SX = settings.SW = settings.TW = 1000;
         settings.SH = settings.TH = 800;
         settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
         for (stPenConfig &pen : settings.CommonAPP.Pen) {
-            pen.Speed = 5;
-            pen.P1X = pen.P1Y = 0.5f;
-            pen.P2 = 1;
+            std::tie(pen.Speed, pen.P1X, pen.P1Y, pen.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
         }
     }
 
@@ -428,18 +421,16 @@ protected:
             m_out = report(data);
         } else if (verb == "pen") { // a fifth number leaves the pen flag out
             data.eventFlags = n[4] ? kEventPenButtons : kEventPen | kEventPenButtons;
-            data.penStatus = n[0];
-            data.penButtonMask = n[1];
-            data.penButtonState = n[2];
-            data.penId = n[3];
+            std::tie(data.penStatus, data.penButtonMask, data.penButtonState, data.penId) =
+                std::tuple(n[0], n[1], n[2], n[3]);
             m_out = report(data);
         } else if (verb == "nosettings") {
             m_out = m_action.ActionTabletData(data, m_device, nullptr, m_apps);
         } else if (verb == "result") {
-            m_shown.push_back("result " + std::to_string(m_out.flags) + " " +
-                              std::to_string(m_out.ringRel1) + " " +
-                              std::to_string(m_out.ringRel2) + " " + std::to_string(m_out.penBtn1) +
-                              " " + std::to_string(m_out.penBtn2));
+            std::ostringstream out;
+            out << "result " << m_out.flags << " " << m_out.ringRel1 << " " << m_out.ringRel2 << " "
+                << int(m_out.penBtn1) << " " << int(m_out.penBtn2);
+            m_shown.push_back(out.str());
         } else if (verb == "clock") { // the time of the last report, against the local time of day
             const QTime last = CGlobalData::LastTabletActionTime;
             const int skew = last.isValid() ? std::abs(last.msecsTo(QTime::currentTime())) : -1;
@@ -486,10 +477,8 @@ protected:
                       capturedlog::lines().end())
                 << wanted;
         } else if (verb == "ring") {
-            common().Ring[n[0]] = {};
-            common().Ring[n[0]].type = n[1];
-            common().Ring[n[0]].id = n[2];
-            common().Ring[n[0]].mode = n[3];
+            auto &ring = common().Ring[n[0]] = {};
+            std::tie(ring.type, ring.id, ring.mode) = std::tuple(n[1], n[2], n[3]);
         } else if (verb == "ringspeed") {
             common().Ring[n[0]].Speed = n[1];
         } else if (verb == "ringitem") {
@@ -506,13 +495,9 @@ protected:
         } else if (verb == "feed") {
             m_report = {};
             m_report.eventFlags = kEventPen;
-            m_report.penStatus = n[0];
-            m_report.x = n[1];
-            m_report.y = n[2];
-            m_report.pressure = n[3];
-            m_report.tiltX = static_cast<uint8_t>(n[4]);
-            m_report.tiltY = static_cast<uint8_t>(n[5]);
-            m_report.penId = n[6];
+            std::tie(m_report.penStatus, m_report.x, m_report.y, m_report.pressure) =
+                std::tuple(n[0], n[1], n[2], n[3]);
+            std::tie(m_report.tiltX, m_report.tiltY, m_report.penId) = std::tuple(n[4], n[5], n[6]);
             m_out = report(m_report);
         } else if (verb == "mapped") {
             std::ostringstream out;
@@ -569,25 +554,22 @@ INSTANTIATE_TEST_SUITE_P(KeyTable, Cases, ::testing::ValuesIn(readScripts(KEYCOD
 // for the desktop's, first in PATH.
 TEST_F(Cases, ProgramStart)
 {
-    const std::string folder = m_folder.path().toStdString();
-    const auto program = [](const std::string &path, const std::string &text) {
-        std::ofstream(path) << "#!/bin/sh\n" << text << "\n";
-        chmod(path.c_str(), 0700);
-    };
-    program(folder + "/run.sh", "env > '" + folder + "/env.tmp' && mv '" + folder + "/env.tmp' '" +
-                                    folder + "/env.txt'");
-    program(folder + "/xdg-open", "echo \"$1\" >> '" + folder + "/opened.txt'");
-    std::ofstream(folder + "/notes.txt");
+    const std::string dir = m_folder.path().toStdString() + "/";
+    std::ofstream(dir + "run.sh") << "#!/bin/sh\nenv > " << dir << "e && mv " << dir << "e " << dir
+                                  << "env.txt\n";
+    std::ofstream(dir + "xdg-open") << "#!/bin/sh\necho \"$1\" >> " << dir << "opened.txt\n";
+    chmod((dir + "run.sh").c_str(), 0700);
+    chmod((dir + "xdg-open").c_str(), 0700);
+    std::ofstream(dir + "notes.txt");
     const QByteArray path = qgetenv("PATH"), libraryPath = qgetenv("LD_LIBRARY_PATH");
-    qputenv("PATH", QByteArray::fromStdString(folder) + ":" + path);
+    qputenv("PATH", QByteArray::fromStdString(dir) + ":" + path);
     qputenv("LD_LIBRARY_PATH", "/nowhere");
     qputenv("SCRIBORA_TEST_MARK", "kept");
 #if defined(__SANITIZE_ADDRESS__)
     __lsan_disable(); // the engine never deletes its processes
 #endif
     for (bool pressed : {false, true}) {
-        for (std::string function :
-             {"2|Run|" + folder + "/run.sh", "2|Doc|" + folder + "/notes.txt"})
+        for (std::string function : {"2|Run|" + dir + "run.sh", "2|Doc|" + dir + "notes.txt"})
             m_action.ParseCustomFunction(function.data(), pressed, 0);
     }
 #if defined(__SANITIZE_ADDRESS__)
@@ -596,21 +578,19 @@ TEST_F(Cases, ProgramStart)
     qputenv("PATH", path);
     qputenv("LD_LIBRARY_PATH", libraryPath);
     qunsetenv("SCRIBORA_TEST_MARK");
-    const auto read = [](const std::string &path) {
-        std::ifstream in(path);
+    const auto read = [&dir](const char *name) {
+        std::ifstream in(dir + name);
         return std::string(std::istreambuf_iterator<char>(in), {});
     };
-    QElapsedTimer timer;
-    timer.start();
-    while ((read(folder + "/env.txt").empty() || read(folder + "/opened.txt").empty()) &&
-           timer.elapsed() < 10000) {
+    for (int tries = 0; (read("env.txt").empty() || read("opened.txt").empty()) && tries < 500;
+         ++tries) {
         QCoreApplication::processEvents();
         QThread::msleep(20);
     }
-    const std::string variables = read(folder + "/env.txt");
+    const std::string variables = read("env.txt");
     EXPECT_NE(variables.find("SCRIBORA_TEST_MARK=kept\n"), std::string::npos) << variables;
     EXPECT_EQ(variables.find("LD_LIBRARY_PATH="), std::string::npos) << variables;
-    EXPECT_EQ(read(folder + "/opened.txt"), folder + "/notes.txt\n");
+    EXPECT_EQ(read("opened.txt"), dir + "notes.txt\n");
     EXPECT_EQ(m_tip.texts, (std::vector<std::string>{"Run", "Doc"}));
 }
 

@@ -1,28 +1,20 @@
+#include "capturedlog.h"
 #include "cparsetabletdata.h"
 
-#include <QString>
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <sstream>
-#include <string>
-#include <vector>
 
 // Runs decoder_cases.txt: each step decodes one report, as the dispatcher does (a zeroed
 // 64-byte buffer and a record holding only the product id), and compares the fields its line
 // names.
 namespace
 {
-
-std::vector<std::string> g_log;
-
-void collectLog(QtMsgType, const QMessageLogContext &, const QString &message)
-{
-    g_log.push_back(message.toStdString());
-}
 
 std::string keysDown(const uint8_t (&states)[kTabletKeyCount])
 {
@@ -37,8 +29,8 @@ std::string keysDown(const uint8_t (&states)[kTabletKeyCount])
 std::string joined(const std::vector<std::string> &lines)
 {
     std::string all;
-    for (const std::string &line : lines)
-        all += (all.empty() ? "" : ",") + line;
+    for (const std::string &line : lines) // without "log D "
+        all += (all.empty() ? "" : ",") + line.substr(6);
     for (char &c : all)
         c = c == ' ' ? '_' : c;
     return all.empty() ? "-" : all;
@@ -64,7 +56,7 @@ std::map<std::string, std::string> fields(int result, const TabletDataEX &d)
             {"last", std::to_string(history.lastWhell)},
             {"lnum", std::to_string(history.lnum)},
             {"rnum", std::to_string(history.rnum)},
-            {"log", joined(g_log)}};
+            {"log", joined(capturedlog::lines())}};
 }
 
 // "[@N] LENGTH PID BYTES... => NAME=VALUE...": decoder N (0 unless named), PID hexadecimal.
@@ -86,7 +78,7 @@ void runStep(const std::string &line, CParseTabletData *decoders)
     data.productId = std::stoi(word, nullptr, 16);
     for (size_t i = 0; in >> word && word != "=>"; ++i)
         buffer.at(i) = static_cast<unsigned char>(std::stoi(word, nullptr, 16));
-    g_log.clear();
+    capturedlog::lines().clear();
     const std::map<std::string, std::string> actual =
         fields(decoders[which].ParseData(buffer.data(), length, &data), data);
     while (in >> word) {
@@ -102,7 +94,7 @@ TEST(Decoder, Cases)
 {
     std::ifstream cases(DECODER_CASES);
     ASSERT_TRUE(cases.good()) << DECODER_CASES;
-    const QtMessageHandler previous = qInstallMessageHandler(collectLog);
+    capturedlog::install();
     std::unique_ptr<CParseTabletData[]> decoders(new CParseTabletData[2]);
     std::string name;
     int steps = 0;
@@ -122,7 +114,6 @@ TEST(Decoder, Cases)
         ++total;
         runStep(line, decoders.get());
     }
-    qInstallMessageHandler(previous);
     EXPECT_GT(total, 0);
 }
 
@@ -144,22 +135,19 @@ TEST(Decoder, NullPointersGiveZero)
 // Bits, result, then current and previous of the four buttons.
 TEST(Decoder, PenButtonStateSequence)
 {
-    const char *const steps[] = {"0 0 0000 0000", "9 1 1001 0000", "9 1 1001 1001", "2 1 0100 1001",
-                                 "0 1 0000 0100", "0 0 0000 0000", "16 0 0000 0000"};
     CParseTabletData decoder;
-    for (const char *step : steps) {
+    for (const char *step : {"0 0 0000 0000", "9 1 1001 0000", "9 1 1001 1001", "2 1 0100 1001",
+                             "0 1 0000 0100", "0 0 0000 0000", "16 0 0000 0000"}) {
         PenBtnData buttons;
-        std::istringstream in(step);
-        int bits = 0;
-        bool result = false;
-        in >> bits >> result;
-        std::string states = std::to_string(decoder.ChangeToPenBtnState(bits, buttons)) + " ";
+        const int bits = std::atoi(step);
+        std::string states = std::to_string(bits) + " " +
+                             std::to_string(int(decoder.ChangeToPenBtnState(bits, buttons)));
         for (const uint8_t *row : {buttons.current, buttons.previous}) {
+            states += " ";
             for (int b = 0; b < kPenButtonCount; ++b)
                 states += std::to_string(row[b]);
-            states += " ";
         }
-        EXPECT_EQ(std::to_string(bits) + " " + states, std::string(step) + " ") << step;
+        EXPECT_EQ(states, step);
     }
 }
 
