@@ -7,8 +7,7 @@
 
 #include <vector>
 
-// Case tables kept as text in cases/: one case per line, fields split by blanks, '#' starts
-// a comment.
+// Tables in cases/: one case per line, fields split by blanks, '#' starts a comment.
 inline std::vector<QStringList> caseRows(const char *name)
 {
     QFile file(QStringLiteral(UI_CASES_DIR "/") + name);

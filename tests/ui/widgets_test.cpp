@@ -5,7 +5,6 @@
 #include "mainwindow.h"
 #include "screencalibrate.h"
 
-#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -18,12 +17,9 @@ TEST(SortQRectRect, OrdersSlotsOneToNineByLeftThenTop)
     for (const QStringList &c : caseRows("sort.txt")) {
         SCOPED_TRACE(c.join(' ').toStdString());
         QRect src[kScreenSlots + 2], dst[kScreenSlots + 2];
-        std::fill(std::begin(src), std::end(src), sentinel);
         std::fill(std::begin(dst), std::end(dst), sentinel);
-        for (int i = 5; i < c.size(); ++i) {
-            const QList<int> r = ints(c[i]);
-            src[i - 4] = QRect(r[0], r[1], r[2], r[3]);
-        }
+        for (int i = 5; i < c.size(); ++i)
+            src[i - 4] = QRect(ints(c[i])[0], ints(c[i])[1], ints(c[i])[2], ints(c[i])[3]);
         const std::vector<QRect> unsorted(std::begin(src), std::end(src));
         const QList<int> order = ints(c[4]);
         CGlobalData::PrimaryID = c[2].toInt();
@@ -91,8 +87,7 @@ TEST(ScreenCalibrateWindow, AdvancesOnHitsDrawsTheCurrentCrossAndEmitsOnTheFifth
               "1 1.125 0.8 0.625");
 }
 
-// Painted on a second screen, the pen near its bottom right, the hole is at 960, 799 of the
-// screen.
+// On a second screen, the pen near its bottom right: the hole is at 960, 799 of the screen.
 TEST(FineModeHole, StaysOnTheScreenAndIsReportedInDesktopCoordinates)
 {
     for (const QStringList &c : caseRows("holes.txt"))
@@ -100,9 +95,7 @@ TEST(FineModeHole, StaysOnTheScreenAndIsReportedInDesktopCoordinates)
             << c[0].toStdString();
     JingXiMode overlay(QRect(1920, 0, 1280, 1024), QPoint(1920 + 1270, 1000));
     QSignalSpy spy(&overlay, &JingXiMode::GetModeRect);
-    QImage image(1280, 1024, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&image);
-    overlay.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
+    overlay.grab();
     ASSERT_GE(spy.count(), 1);
     EXPECT_EQ(spy.last().at(0).toRect(), QRect(QPoint(2880, 814), QPoint(3199, 1023)));
 }
