@@ -162,8 +162,7 @@ TEST_F(Shell, TwoTabletsSaveRevertCloseToTheTrayAndExit)
     m_Window->show();
     data(0).TX = 3;
     m_Window->on_closeBtn_clicked();
-    EXPECT_FALSE(m_Window->isVisible());
-    EXPECT_TRUE(configFile().contains("<TX>3</TX>"));
+    EXPECT_TRUE(!m_Window->isVisible() && configFile().contains("<TX>3</TX>"));
     ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
 
     data(1).TX = 7;
