@@ -259,20 +259,17 @@ struct RecordingTablet : CTablet {
     std::vector<std::array<int, 3>> m_Sent;
 };
 
-// Battery: 20 is low, 21 is not; charging re-arms; no tray icon, no note. The fine mode
-// overlay opens for the sender, or a remote's first other tablet; the fine area goes to the
-// current tablet, or to every tablet in fine mode.
+// The fine mode overlay opens for the sender, or a remote's first other tablet; the fine area
+// goes to the current tablet, or to every tablet in fine mode.
 TEST_F(Shell, ActionMessagesReachTheirTablets)
 {
     RecordingTablet *tablets[3];
     for (int slot = 0; slot < 3; ++slot)
         CGlobalData::TabletArray[slot] = tablets[slot] = new RecordingTablet;
-    const int steps[][3] = {{3, 0, 0},  {50, 0, 0}, {20, 0, 1}, {20, 0, 1}, {5, 0, 1},
-                            {21, 0, 0}, {20, 0, 1}, {10, 1, 0}, {10, 0, 1}};
-    for (const auto &[value, chargeState, noted] : steps) {
-        tablets[2]->m_BatteryValue = value;
-        m_Window->ReceivActionMsg(2, kMsgBattery, chargeState);
-        EXPECT_EQ(tablets[2]->m_LowBatteryNoted, noted) << value << " " << chargeState;
+    for (const QStringList &c : caseRows("lowbattery.txt")) {
+        tablets[2]->m_BatteryValue = c[0].toInt();
+        m_Window->ReceivActionMsg(2, kMsgBattery, c[1].toInt());
+        EXPECT_EQ(tablets[2]->m_LowBatteryNoted, c[2].toInt()) << c.join(' ').toStdString();
         m_Window->InitSystemTray();
     }
     data(2).Orientation = 3;
