@@ -277,12 +277,11 @@ TEST_F(Shell, ActionMessagesReachTheirTablets)
     for (int slot : {3, 5, -1})
         m_Window->ReceivActionMsg(slot, kMsgWirelessConnected, 0);
     EXPECT_TRUE(tablets[2]->m_Sent.empty());
-    for (int mode : {0, 1}) {
+    for (const auto &[type, mode] : {std::pair{1, 0}, {1, 1}, {0, 1}}) {
+        data(2).CommonAPP.Ring[1].type = type;
         data(2).CommonAPP.Ring[1].mode = mode;
         m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
     }
-    data(2).CommonAPP.Ring[1].type = 0;
-    m_Window->ReceivActionMsg(2, kMsgWirelessConnected, 0);
     EXPECT_EQ(tablets[2]->m_Sent,
               (std::vector<std::array<int, 3>>{{kCmdTouchStrip, kStripWheel, 0},
                                                {kCmdTouchStrip, kStripTouch, 3}}));
