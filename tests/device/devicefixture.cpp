@@ -92,14 +92,6 @@ bool DeviceFixture::waitFor(const std::function<bool()> &done)
     return done();
 }
 
-std::vector<std::string> DeviceFixture::slotPaths()
-{
-    std::vector<std::string> paths;
-    for (CTablet *tablet : CGlobalData::TabletArray)
-        paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
-    return paths;
-}
-
 Bytes frame(size_t length, std::initializer_list<uint8_t> head)
 {
     Bytes bytes(head);

@@ -31,8 +31,6 @@ protected:
     static QString section(const QString &model);
     // Polls `done`, handling events, for up to 8 s.
     static bool waitFor(const std::function<bool()> &done);
-    // The HID path of the device in each slot, "" for an empty one.
-    static std::vector<std::string> slotPaths();
 
     QTemporaryDir m_Folder;
 };

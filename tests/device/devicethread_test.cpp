@@ -54,8 +54,7 @@ TEST_F(Reader, HandsOnInputAndReplyReportsOnly)
                                 Bytes{0x04}, Bytes{0x03, 0x6E, 0x40}})
         fakeusb::queueReport("tab", report);
     ASSERT_TRUE(waitFor([this] { return received() >= 2; }));
-    m_Thread->requestInterruption();
-    m_Thread->wait();
+    QMutexLocker lock(&m_Mutex);
     EXPECT_EQ(m_Received, (std::vector<Bytes>{{0x02, 0xA0, 0x01, 0x02}, {0x03, 0x6E, 0x40}}))
         << "each with the read's length";
 }

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 namespace fakeusb
 {
@@ -44,11 +45,6 @@ State &state()
     return *instance;
 }
 
-Lock locked()
-{
-    return Lock(state().mutex);
-}
-
 Attached &latest(const std::string &name)
 {
     auto &devices = state().devices;
@@ -76,12 +72,12 @@ public:
     }
     ~FakeHid() override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         state().handles.erase(this);
     }
     int write(const unsigned char *data, size_t length) override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         if (!alive())
             return -1;
         state().writes.push_back({alive()->device.name, {path(), Bytes(data, data + length)}});
@@ -91,7 +87,7 @@ public:
     {
         const auto deadline =
             std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-        Lock lock = locked();
+        Lock lock(state().mutex);
         for (Attached *device = alive(); device; device = alive()) {
             if (!device->reports.empty()) {
                 const Bytes report = device->reports.front();
@@ -107,14 +103,11 @@ public:
         return -1;
     }
     std::wstring error() override { return L"fakeusb: the device failed"; }
-    int manufacturer(wchar_t *text, size_t length) override
-    {
-        return indexedString(1, text, length);
-    }
-    int product(wchar_t *text, size_t length) override { return indexedString(2, text, length); }
+    int manufacturer(wchar_t *t, size_t length) override { return indexedString(1, t, length); }
+    int product(wchar_t *t, size_t length) override { return indexedString(2, t, length); }
     int indexedString(int index, wchar_t *text, size_t length) override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         if (!alive() || !alive()->device.strings.count(index))
             return -1;
         wcsncpy(text, alive()->device.strings.at(index).c_str(), length);
@@ -141,16 +134,11 @@ public:
                         unsigned char *data, uint16_t length, unsigned) override
     {
         const int index = value & 0xFF;
-        Bytes payload;
         if (requestType != 0x80 || request != 0x06 || (value >> 8) != 0x03 ||
-            language != (index ? kLanguage : 0))
+            language != (index ? kLanguage : 0) || (index && !m_Device.rawStrings.count(index)))
             return -1;
-        if (index == 0)
-            payload = {kLanguage & 0xFF, kLanguage >> 8};
-        else if (m_Device.rawStrings.count(index))
-            payload = m_Device.rawStrings.at(index);
-        else
-            return -1;
+        Bytes payload =
+            index ? m_Device.rawStrings.at(index) : Bytes{kLanguage & 0xFF, kLanguage >> 8};
         payload.insert(payload.begin(), {uint8_t(payload.size() + 2), 0x03});
         std::copy_n(payload.begin(), std::min<size_t>(payload.size(), length), data);
         return int(std::min<size_t>(payload.size(), length));
@@ -165,11 +153,10 @@ class FakeDeviceList : public UsbDeviceList
 public:
     FakeDeviceList()
     {
-        const Lock lock = locked();
-        for (const Attached &candidate : state().devices) {
+        const Lock lock(state().mutex);
+        for (const Attached &candidate : state().devices)
             if (candidate.present)
                 m_Devices.push_back(candidate.device);
-        }
     }
     std::vector<UsbAddress> addresses() override
     {
@@ -180,9 +167,8 @@ public:
     }
     std::unique_ptr<UsbHandle> open(size_t index) override
     {
-        if (!m_Devices.at(index).openable)
-            return nullptr;
-        return std::make_unique<FakeUsbHandle>(m_Devices[index]);
+        const Device &device = m_Devices.at(index);
+        return device.openable ? std::make_unique<FakeUsbHandle>(device) : nullptr;
     }
 
 private:
@@ -196,7 +182,7 @@ public:
     bool hasHotplug() override { return true; }
     bool registerCallback(unsigned short vendorId, Callback callback) override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         m_Vendor = vendorId;
         m_Callback = std::move(callback);
         state().listeners.insert(this);
@@ -204,24 +190,23 @@ public:
     }
     void deregisterCallback() override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         state().listeners.erase(this);
     }
     void handleEvents(int timeoutUs) override
     {
-        Lock lock = locked();
+        Lock lock(state().mutex);
         state().changed.wait_for(lock, std::chrono::microseconds(timeoutUs),
                                  [this] { return m_Interrupted || !m_Pending.empty(); });
         m_Interrupted = false;
-        std::deque<HotplugEvent> events;
-        events.swap(m_Pending);
+        const std::deque<HotplugEvent> events = std::exchange(m_Pending, {});
         lock.unlock();
         for (const HotplugEvent &event : events)
             m_Callback(event);
     }
     void interruptEvents() override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         m_Interrupted = true;
         state().changed.notify_all();
     }
@@ -243,7 +228,7 @@ class FakeUsbLink : public UsbLink
 public:
     std::vector<HidInterface> enumerateHid(unsigned short vid, unsigned short pid) override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         std::vector<HidInterface> result;
         for (const Attached &candidate : state().devices) {
             const Device &device = candidate.device;
@@ -256,15 +241,13 @@ public:
     }
     std::unique_ptr<HidDevice> openHid(const std::string &path) override
     {
-        const Lock lock = locked();
+        const Lock lock(state().mutex);
         for (size_t i = 0; i < state().devices.size(); ++i) {
             const Attached &candidate = state().devices[i];
-            const auto &numbers = candidate.device.interfaces;
-            const bool here = std::any_of(numbers.begin(), numbers.end(), [&](int number) {
-                return pathOf(candidate.device, number) == path;
-            });
-            if (candidate.present && here && candidate.device.openable)
-                return std::make_unique<FakeHid>(i, path);
+            for (int number : candidate.device.interfaces)
+                if (candidate.present && candidate.device.openable &&
+                    pathOf(candidate.device, number) == path)
+                    return std::make_unique<FakeHid>(i, path);
         }
         return nullptr;
     }
@@ -289,7 +272,7 @@ void announce(const Device &device, short event)
 
 void reset()
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     state().devices.clear();
     state().writes.clear();
     state().handles.clear();
@@ -298,51 +281,50 @@ void reset()
 
 void addDevice(const Device &device)
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     state().devices.push_back({device, true, {}});
 }
 
 void plug(const Device &device)
 {
     addDevice(device);
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     announce(device, 1);
 }
 
 void unplug(const std::string &name)
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     latest(name).present = false;
     announce(latest(name).device, 2);
 }
 
 std::string hidPath(const std::string &name, int interfaceNumber)
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     return pathOf(latest(name).device, interfaceNumber);
 }
 
 void queueReport(const std::string &name, const Bytes &report)
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     latest(name).reports.push_back(report);
     state().changed.notify_all();
 }
 
 std::vector<Write> writesTo(const std::string &name)
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     std::vector<Write> result;
-    for (const auto &write : state().writes) {
+    for (const auto &write : state().writes)
         if (name.empty() || write.first == name)
             result.push_back(write.second);
-    }
     return result;
 }
 
 int openHidHandles()
 {
-    const Lock lock = locked();
+    const Lock lock(state().mutex);
     return int(state().handles.size());
 }
 

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
+#include <QSet>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -18,8 +19,6 @@ namespace
 constexpr unsigned short kVendor = 0x5A3C;
 constexpr short kArrived = 1;
 constexpr short kLeft = 2;
-using Devices = std::vector<fakeusb::Device>;
-using Names = std::vector<std::string>;
 
 // The state of each hot-plug message the window takes, in the order taken.
 std::vector<short> seenStates;
@@ -56,46 +55,42 @@ protected:
         TearDown();
         SetUp();
         m_Known.clear();
-        for (const fakeusb::Device &device : devices(text))
-            fakeusb::addDevice(device);
+        add(text);
         m_Window->EnumDeviceLinux(0);
     }
     // Device names by slot as "a b - - -": each named device holds its slot with the one
     // open handle of its catalogued interface, and the window shows what is open.
     void expectSlots(const QString &wanted)
     {
-        Names expected;
-        QStringList shown;
-        for (const QString &name : wanted.split(' ')) {
-            const auto device = m_Known.find(name);
+        std::vector<std::string> expected, paths;
+        QSet<QString> shown;
+        for (const QString &name : wanted.split(' '))
             expected.push_back(
-                device == m_Known.end()
-                    ? ""
-                    : fakeusb::hidPath(device->second.name,
-                                       int(row(device->second.pid).interfaceNumber)));
-        }
+                m_Known.count(name)
+                    ? fakeusb::hidPath(name.toStdString(), row(m_Known[name].pid).interfaceNumber)
+                    : "");
         for (const CTablet *tablet : CGlobalData::TabletArray) {
-            if (tablet && !shown.contains(tablet->m_DeviceAttributes.ShowName))
+            paths.push_back(tablet ? tablet->m_DeviceAttributes.DevicePath : "");
+            if (tablet)
                 shown << tablet->m_DeviceAttributes.ShowName;
         }
         const int filled = int(expected.size() - std::count(expected.begin(), expected.end(), ""));
-        EXPECT_EQ(slotPaths(), expected);
+        EXPECT_EQ(paths, expected);
         EXPECT_EQ(fakeusb::openHidHandles(), filled);
         EXPECT_EQ(m_Window->GetTabletArraySize(), filled);
         EXPECT_EQ(m_Strip->count(), filled);
         EXPECT_EQ(m_Pages->isVisible(), filled > 0);
         EXPECT_EQ(m_Disconnected->isVisible(), filled == 0);
-        QStringList keys = CGlobalData::TabletMap.keys();
-        keys.sort();
-        shown.sort();
-        EXPECT_EQ(keys, shown) << "one name key for like tablets";
+        const QStringList keys = CGlobalData::TabletMap.keys();
+        EXPECT_EQ(QSet<QString>(keys.begin(), keys.end()), shown)
+            << "one name key for like tablets";
     }
 
     // "a:0B40:1": a tablet of a product on a port; ":i01" with interfaces 0 and 1 only,
-    // ":v1234" of another vendor, ":x" one that cannot be opened.
-    Devices devices(const QString &text)
+    // ":v1234" of another vendor, ":x" one that cannot be opened. Gives the last one's product.
+    uint16_t add(const QString &text, void (*attach)(const fakeusb::Device &) = fakeusb::addDevice)
     {
-        Devices result;
+        uint16_t pid = 0;
         for (const QString &item : text.split(' ', Qt::SkipEmptyParts)) {
             const QStringList f = item.split(':');
             fakeusb::Device device = tablet(f[0].toStdString(), uint16_t(f[1].toUInt(nullptr, 16)),
@@ -106,10 +101,11 @@ protected:
             if (flag.startsWith('v'))
                 device.vid = uint16_t(flag.mid(1).toUInt(nullptr, 16));
             device.openable = flag != "x";
-            result.push_back(device);
+            attach(device);
             m_Known[f[0]] = device;
+            pid = device.pid;
         }
-        return result;
+        return pid;
     }
     QTemporaryDir m_Uinput;
     std::unique_ptr<MainWindow> m_Window;
@@ -138,9 +134,8 @@ TEST_F(HotPlug, OpensACataloguedTabletWithItsModelSection)
                            "Sketch Tablet", "SN001", "FW_1.0", "2024-05-06"}));
     EXPECT_EQ(a.DeviceType, 1);
     const auto writes = fakeusb::writesTo("tab");
-    ASSERT_FALSE(writes.empty());
-    EXPECT_EQ(writes[0].path, fakeusb::hidPath("tab", 2));
-    EXPECT_EQ(writes[0].data, frame(10, {0x02, 0xB0, uint8_t(row(0x0B40).reportMode)}));
+    EXPECT_EQ(writes.at(0).path, fakeusb::hidPath("tab", 2));
+    EXPECT_EQ(writes.at(0).data, frame(10, {0x02, 0xB0, uint8_t(row(0x0B40).reportMode)}));
 
     const stTablet_XMLData &data = *opened->m_TabletXMLData;
     EXPECT_STREQ(data.szPidName, "QTB0610");
@@ -190,12 +185,10 @@ TEST_F(HotPlug, ArrivalsAndRemovalsFillTheSlots)
         closer.start(10);
         uint16_t left = 0;
         if (c[1][0] == '+') {
-            const Devices plugged = devices(change);
-            for (const fakeusb::Device &device : plugged)
-                fakeusb::plug(device);
+            const uint16_t pid = add(change, fakeusb::plug);
             QElapsedTimer timer;
             timer.start();
-            m_Window->ReceiveUsbMsg(kVendor, plugged.back().pid, kArrived);
+            m_Window->ReceiveUsbMsg(kVendor, pid, kArrived);
             EXPECT_GE(timer.elapsed(), 600);
         } else {
             left = uint16_t(change.section(':', 1).toUInt(nullptr, 16));
@@ -213,9 +206,7 @@ TEST_F(HotPlug, ArrivalsAndRemovalsFillTheSlots)
                                   !std::count(std::begin(CGlobalData::TabletArray),
                                               std::end(CGlobalData::TabletArray), earlier[slot])));
         }
-        if (left) {
-            EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
-        }
+        EXPECT_TRUE(!left || m_Window->currentTablet() == CGlobalData::TabletArray[0]);
     }
 }
 
@@ -223,8 +214,7 @@ TEST_F(HotPlug, ArrivalsAndRemovalsFillTheSlots)
 TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
 {
     writeNames("[Common]\nPID_0B40=Alpha\nPID_0B41=Beta\nPID_A20C=Gamma\n");
-    for (const fakeusb::Device &device : devices("a:0B40:1 b:0B41:2 c:A20C:3"))
-        fakeusb::addDevice(device);
+    add("a:0B40:1 b:0B41:2 c:A20C:3");
     m_Window->EnumDeviceLinux(0);
     const QList<QAbstractButton *> entries = m_Strip->findChildren<QAbstractButton *>();
     ASSERT_EQ(entries.size(), 3);
@@ -240,7 +230,7 @@ TEST_F(HotPlug, RemovingAnotherDeviceKeepsTheSelection)
 // Through the listener that Init starts: events are taken one by one, in the order they came.
 TEST_F(HotPlug, QuickReplugsAreHandledInOrderAndALateTabletComesAndGoes)
 {
-    fakeusb::addDevice(devices("a:0B40:1").front());
+    add("a:0B40:1");
     ASSERT_EQ(m_Window->Init(), 1);
     ASSERT_NE(CGlobalData::TabletArray[0], nullptr);
     seenStates.clear();
@@ -261,7 +251,7 @@ TEST_F(HotPlug, QuickReplugsAreHandledInOrderAndALateTabletComesAndGoes)
     fakeusb::unplug("a");
     ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] == nullptr; }));
     expectSlots("- - - - -");
-    fakeusb::plug(devices("b:0B40:2").front());
+    add("b:0B40:2", fakeusb::plug);
     ASSERT_TRUE(waitFor([] { return CGlobalData::TabletArray[0] != nullptr; }));
     EXPECT_TRUE(CGlobalData::TabletArray[0]->m_Active);
     EXPECT_EQ(m_Window->currentTablet(), CGlobalData::TabletArray[0]);
