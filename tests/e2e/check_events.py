@@ -18,19 +18,16 @@ import os
 import re
 import sys
 
-CRASH = re.compile(
-    r"Segmentation fault|\bSIGSEGV\b|\bSIGABRT\b|\bAborted\b|core dumped|terminate called|"
+CRASH = re.compile(r"Segmentation fault|\bSIGSEGV\b|\bSIGABRT\b|\bAborted\b|core dumped|terminate called|"
     r"AddressSanitizer|LeakSanitizer|UndefinedBehaviorSanitizer|runtime error:|ASSERT failure|"
-    r"ASSERT:|double free|stack smashing|free\(\): invalid|malloc\(\): |Illegal instruction|"
-    r"Bus error")
+    r"ASSERT:|double free|stack smashing|free\(\): invalid|malloc\(\): |Illegal instruction|Bus error")
 ARITY = {"--window": 2, "--string-read": 2, "--enumerated": 1, "--left-alone": 1, "--out": 2, "--app-clean": 2, "--log-lines": 3}
 IFACE = 2
 
 
 class Checker:
     def __init__(self, run_dir):
-        self.run_dir = run_dir
-        self.passed = self.failed = 0
+        self.run_dir, self.passed, self.failed = run_dir, 0, 0
         with open(os.path.join(run_dir, "events.jsonl")) as f:
             self.events = [json.loads(line) for line in f if line.strip()]
         self.devices = {d for e in self.events if e["ev"] == "started" for d in e["devices"]}
@@ -50,8 +47,7 @@ class Checker:
         seqs = [next((e["seq"] for e in self.events if e["ev"] == "mark" and e["name"] == m), None)
                 for m in (start, stop)]
         ok = None not in seqs and seqs[0] < seqs[1]
-        self.result(ok, "marks %s (seq %s) and %s (seq %s) logged in that order"
-                    % (start, seqs[0], stop, seqs[1]))
+        self.result(ok, "marks %s (seq %s) and %s (seq %s) logged in that order" % (start, seqs[0], stop, seqs[1]))
         if ok:
             (self.lo, self.hi), self.where = seqs, "between %s and %s" % (start, stop)
         return ok
@@ -119,8 +115,7 @@ class Checker:
         self.result(status.get("exit_status") in ("0", "143"), "%s: ended by SIGTERM or with "
                     "status 0 (status %s)" % (name, status.get("exit_status")))
         took = status.get("stop_seconds", "nan")
-        self.result(float(took) <= float(seconds), "%s: ended %s s after SIGTERM (limit %s s)"
-                    % (name, took, seconds))
+        self.result(float(took) <= float(seconds), "%s: ended %s s after SIGTERM (limit %s s)" % (name, took, seconds))
         faults = [line for line in self.read("dmesg.txt").splitlines()
                   if name in line and re.search(r"segfault|trap|general protection", line)]
         self.result(not faults, "%s: no fault in the guest kernel log%s"

@@ -7,8 +7,7 @@ E2E_TESTS="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 HARNESS="$E2E_TESTS/harness"
 TABLET="$HARNESS/devices/tablet-0b40.json"
 START_PACKET="02 b0 04 00 00 00 00 00 00 00"
-SCRIBORA_BIN="$(realpath "$2")"
-BUILD="$(realpath "$3")"
+SCRIBORA_BIN="$(realpath "$2")" BUILD="$(realpath "$3")"
 export E2E_CACHE="${E2E_CACHE:-/var/cache/scribora-e2e}"
 FAILED=0
 
@@ -38,12 +37,9 @@ boot() {
     shift
     [ "${E2E_VERBOSE:-0}" = 1 ] && quiet=()
     RUN="$BUILD/e2e-runs/$name-$(date +%Y%m%d-%H%M%S)-$$"
-    if ! { mkdir -p "$RUN/build" && cp -r "$E2E_TESTS/guest" "$RUN/guest" &&
+    { mkdir -p "$RUN/build" && cp -r "$E2E_TESTS/guest" "$RUN/guest" &&
         cp "$SCRIBORA_BIN" "$(dirname "$SCRIBORA_BIN")/resource.rcc" "$RUN/build/" &&
-        cp -r "$BUILD/conf" "$RUN/build/conf"; }; then
-        echo "FAIL: could not stage $RUN"
-        exit 1
-    fi
+        cp -r "$BUILD/conf" "$RUN/build/conf"; } || { echo "FAIL: could not stage $RUN"; exit 1; }
     echo "e2e: $name: booting the guest (run dir $RUN)"
     t0=$(date +%s)
     "$HARNESS/run-e2e.sh" "${quiet[@]+"${quiet[@]}"}" --timeout "${E2E_TIMEOUT:-300}" --run-dir "$RUN" "$@" \

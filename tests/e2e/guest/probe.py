@@ -81,7 +81,6 @@ class Channel:
         line = self.request(words)
         if not line.startswith("ok"):
             raise NoReply("'%s' answered '%s'" % (" ".join(words), line))
-        return line
 
 
 COUNTS = {True: 0, False: 0}
@@ -102,16 +101,9 @@ def pen_report(status, x, y, pressure=0, tilt_x=0, tilt_y=0):
     """64-byte pen report, report id 2, pen id 0."""
     r = bytearray(64)
     r[0:2] = (2, status)
-    struct.pack_into("<HHBBbb", r, 2, x & 0xFFFF, y & 0xFFFF, pressure & 0xFF,
-                     (pressure >> 8) & 0x1F, tilt_x, tilt_y)
+    struct.pack_into("<HHBBbb", r, 2, x & 0xFFFF, y & 0xFFFF, pressure & 0xFF, (pressure >> 8) & 0x1F, tilt_x, tilt_y)
     r[10], r[11], r[13] = (x >> 16) & 0xFF, (y >> 16) & 0xFF, (pressure >> 13) & 0x07
     return r.hex()
-
-
-def report(text):
-    """'status x y [pressure [tilt_x tilt_y]]', status in hex."""
-    words = text.split()
-    return pen_report(int(words[0], 16), *map(int, words[1:]))
 
 
 def describe(frame):
@@ -137,11 +129,8 @@ class PenNode:
     def __init__(self, node, log_path):
         self.node, self.fd = node, os.open(node, os.O_RDONLY | os.O_NONBLOCK)
         self.log = open(log_path, "w")
-        self.t0 = time.monotonic()
-        self.buffer = b""
+        self.t0, self.buffer, self.current, self.dropped = time.monotonic(), b"", [], 0
         self.queue = collections.deque()
-        self.current = []
-        self.dropped = 0
 
     def next_event(self, deadline):
         while not self.queue:
@@ -202,22 +191,19 @@ def check_frame(what, got, want):
 
 
 def play(ch, pen, steps, prefix="", device="tab1", **values):
-    """Sends each [what, report, frame] step and checks the frame it gives;
-    values fill the {names} of report and frame."""
+    """Sends each [what, report, frame] step and checks the frame it gives; values fill the
+    {names} of report ('status x y [pressure [tilt_x tilt_y]]', status in hex) and frame."""
     for what, sent, want in steps:
-        send(ch, report(sent.format(**values)), device)
+        words = sent.format(**values).split()
+        send(ch, pen_report(int(words[0], 16), *map(int, words[1:])), device)
         check_frame(prefix + what, pen.next_frame(FRAME_TIMEOUT_S), want.format(**values))
-
-
-def short_stroke(ch, pen, prefix, device, a, b, mapped=lambda x, y: (x, y)):
-    (max_, may), (mbx, mby) = mapped(*a), mapped(*b)
-    play(ch, pen, EXPECTED["short_stroke"], prefix, device, ax=a[0], ay=a[1], bx=b[0], by=b[1],
-         max=max_, may=may, mbx=mbx, mby=mby)
 
 
 def strokes(ch, pen, what, plan, mapped=lambda x, y: (x, y)):
     for device, a, b in plan:
-        short_stroke(ch, pen, "%s: %s: " % (what, device), device, a, b, mapped)
+        (max_, may), (mbx, mby) = mapped(*a), mapped(*b)
+        play(ch, pen, EXPECTED["short_stroke"], "%s: %s: " % (what, device), device, ax=a[0], ay=a[1],
+             bx=b[0], by=b[1], max=max_, may=may, mbx=mbx, mby=mby)
 
 
 def started(ch, device, what, timeout=PLUG_TIMEOUT_S):
@@ -254,14 +240,20 @@ def run_stroke(ch, pen):
     no_frame(pen, "after the stroke, from the pen path", NO_FRAME_S)
     libinput.send_signal(signal.SIGINT)
     libinput.wait()
-    if not check_libinput(log_path):
-        print(read(log_path), flush=True)
+    lines, at = read(log_path).splitlines(), 0
+    for what, pattern in EXPECTED["libinput"]:
+        found = next((n for n in range(at, len(lines)) if re.search(pattern, lines[n])), None)
+        where = "" if found is None else " (line %d: %s)" % (found + 1, lines[found].strip())
+        if not check(found is not None, "libinput: %s%s" % (what, where)):
+            print("\n".join(lines), flush=True)
+            break
+        at = found + 1
 
 
 def run_plug(ch, pen):
     """Ends at x 39243, so that the hover of the unplug run is a complete frame."""
     if plug_in(ch, "tab1", "plug"):
-        short_stroke(ch, pen, "plug: ", "tab1", (13081, 7400), (39243, 14800))
+        strokes(ch, pen, "plug", [("tab1", (13081, 7400), (39243, 14800))])
     unplug(ch, "tab1", "plug")
 
 
@@ -296,14 +288,10 @@ def run_unplug(ch, pen):
     replies = ch.pipeline([["send", "tab1", str(IFACE), pen_report(0xA0, UNPLUG_X, y, 2000)]
                            for y in burst] + [["disconnect", "tab1"]])
     check(all(r.startswith("ok queued") for r in replies[:-1]) and replies[-1] == "ok acked",
-          "%d reports queued and the tablet unplugged right behind them (%s)"
-          % (UNPLUG_BURST, replies[-1]))
-    settle = pen.all_events(UNPLUG_SETTLE_S)
-    quiet = pen.all_events(UNPLUG_QUIET_S)
+          "%d reports queued and the tablet unplugged right behind them (%s)" % (UNPLUG_BURST, replies[-1]))
+    settle, quiet = pen.all_events(UNPLUG_SETTLE_S), pen.all_events(UNPLUG_QUIET_S)
     path = [e for e in settle if e[0] != EV_SYN and not (e[0] == EV_KEY and e[1] not in PEN_PATH_KEYS)]
-    moves = 0
-    while moves < len(path) and path[moves][:2] == CODES["ABS_Y"]:
-        moves += 1
+    moves = next((n for n, e in enumerate(path) if e[:2] != CODES["ABS_Y"]), len(path))
     ys = [v for _, _, v in path[:moves]]
     # USB delivers in order and the unplug cuts off the tail of the burst; then the
     # driver lifts the pen of the tablet that went away.
@@ -316,19 +304,6 @@ def run_unplug(ch, pen):
     check(not quiet, "no event from %.1f s to %.1f s after the unplug%s"
           % (UNPLUG_SETTLE_S, UNPLUG_SETTLE_S + UNPLUG_QUIET_S,
              "" if not quiet else " (got %d: %s)" % (len(quiet), describe(quiet[:8]))))
-
-
-def check_libinput(log_path):
-    with open(log_path, errors="replace") as f:
-        lines = f.read().splitlines()
-    at = 0
-    for what, pattern in EXPECTED["libinput"]:
-        found = next((n for n in range(at, len(lines)) if re.search(pattern, lines[n])), None)
-        where = "" if found is None else " (line %d: %s)" % (found + 1, lines[found].strip())
-        if not check(found is not None, "libinput: %s%s" % (what, where)):
-            return False
-        at = found + 1
-    return True
 
 
 def ping_app(timeout):
@@ -354,7 +329,7 @@ def ping_app(timeout):
 
 def read(path):
     try:
-        with open(path) as f:
+        with open(path, errors="replace") as f:
             return f.read().strip()
     except OSError:
         return ""
@@ -444,19 +419,10 @@ def slot_stroke(n):
     return (GRID_X[n % 3], 148 * (10 + 20 * n)), (GRID_X[(n + 2) % 3], 148 * (20 + 20 * n))
 
 
-ARRIVAL_LINE = "ReceiveUsbMsg Vid: 23100 Pid: 2880 state 1"
-
-
-def arrivals():
-    return read(os.path.join(os.environ.get("E2E_OUT", "/e2e/run/out"), "scribora.log")).count(
-        ARRIVAL_LINE)
-
-
 def run_slots(ch, pen, names_path):
     """Default profile; five slots for six tablets (README.md)."""
     six = ["tab%d" % n for n in range(1, 7)]
-    opened = [dev for dev in six if ch.request(
-        ["wait-out", dev, str(SCAN_DONE_S), START_PACKET]).startswith("ok")]
+    opened = [dev for dev in six if ch.request(["wait-out", dev, str(SCAN_DONE_S), START_PACKET]).startswith("ok")]
     sixth = [dev for dev in six if dev not in opened]
     if not check(len(opened) == 5, "five tablets got a start packet (%s), one did not (%s)"
                  % (" ".join(opened), " ".join(sixth))):
@@ -475,11 +441,12 @@ def run_slots(ch, pen, names_path):
         strokes(ch, pen, "slot freed", [(sixth, *slot_stroke(len(opened)))])
         check_drivers("slot freed", {dev: "usbfs" for dev in opened[1:] + [sixth]})
     ch.ok(["mark", "replug"])
-    before = arrivals()
+    arrival, log = "ReceiveUsbMsg Vid: 23100 Pid: 2880 state 1", os.environ.get("E2E_OUT", "/e2e/run/out")
+    before = read(log + "/scribora.log").count(arrival)
     asks(ch, ["connect", gone, str(PLUG_TIMEOUT_S)], "slots full: %s plugged in again" % gone)
     # the app's event loop answers only once the arrival handler (600 ms sleep and scan) returned
-    check(poll(lambda: arrivals() > before, PLUG_TIMEOUT_S),
-          "slots full: the driver took the arrival (%s)" % ARRIVAL_LINE)
+    check(poll(lambda: read(log + "/scribora.log").count(arrival) > before, PLUG_TIMEOUT_S),
+          "slots full: the driver took the arrival (%s)" % arrival)
     ping_app(30)
     ch.ok(["mark", "replug-settled"])
     check_drivers("slots full", {gone: "usbhid"})
@@ -506,8 +473,7 @@ def main(argv):
         finally:
             pen.close()
     elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0)):
-        {"ping-app": lambda t: ping_app(float(t)),
-         "driver": lambda want: check_drivers("tab1", {"tab1": want}),
+        {"ping-app": lambda t: ping_app(float(t)), "driver": lambda want: check_drivers("tab1", {"tab1": want}),
          "hidraw": lambda: check_hidraw(Channel())}[cmd](*args)
     else:
         print(__doc__.split("\n\n")[1], file=sys.stderr)
