@@ -57,9 +57,8 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     const std::string node = s.folder + "/uinput" + std::to_string(index);
     const int fd = real(node.c_str(), flags | O_CREAT | O_TRUNC, 0600);
     struct stat info = {};
-    if (fd >= 0 && fstat(fd, &info) == 0) {
+    if (fd >= 0 && fstat(fd, &info) == 0)
         s.nodes[index] = {flags, fd, {}, {info.st_dev, info.st_ino}};
-    }
     return fd;
 }
 
@@ -89,7 +88,6 @@ std::string describe(unsigned long request, void *argument)
     return out.str().empty() ? "ioctl " + std::to_string(request) : out.str();
 }
 
-// The record lists its name and id, then each axis with a range.
 void describeRecord(Node &node, const void *buffer, size_t count)
 {
     uinput_user_dev record{};

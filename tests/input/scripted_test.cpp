@@ -45,8 +45,7 @@ const char *const kDevices[] = {"pen", "mouse", "eraser", "unknown"};
 struct Script {
     std::string name;
     std::string compared;
-    char runner; // commands call the engine, the driver (MyInput), the pen arithmetic or the key
-                 // table
+    char runner; // 'e'ngine, 'd'river (MyInput), pen 'm'ath or 'k'ey table
     std::vector<std::pair<std::string, std::vector<std::string>>> steps;
 };
 
@@ -125,7 +124,7 @@ struct RecordedTips : CTipSink {
 // and the engine posts as device 3.
 class Cases : public ::testing::TestWithParam<Script>
 {
-protected:
+public:
     void SetUp() override
     {
         ASSERT_TRUE(m_folder.isValid());
@@ -205,12 +204,10 @@ protected:
             return compared.find(kind) != std::string::npos;
         };
         std::vector<std::string> lines;
-        for (int device = 0; device < 4 && wants("frames"); ++device) {
-            for (const auto &[written, event] : m_written) {
+        for (int device = 0; device < 4 && wants("frames"); ++device)
+            for (const auto &[written, event] : m_written)
                 if (written == device)
                     lines.push_back(std::string(kDevices[device]) + " " + describe(event));
-            }
-        }
         for (const auto &[device, event] : m_written) {
             const bool toolBit = event.code == BTN_TOOL_PEN || event.code == BTN_TOUCH ||
                                  event.code == BTN_TOOL_RUBBER;
@@ -220,10 +217,8 @@ protected:
         if (m_zeroTime && wants("frames"))
             lines.push_back("zero-time");
         lines.insert(lines.end(), m_shown.begin(), m_shown.end());
-        for (const std::string &tip : m_tip.texts) {
-            if (wants("tips"))
-                lines.push_back("tip " + tip);
-        }
+        for (const std::string &tip : wants("tips") ? m_tip.texts : std::vector<std::string>{})
+            lines.push_back("tip " + tip);
         for (QSignalSpy *spy : {&m_ints, &m_texts}) {
             const bool ints = spy == &m_ints;
             for (const QList<QVariant> &call : *spy) {
@@ -262,27 +257,6 @@ protected:
     _DEVICE_ATTRIBUTES m_device{};
     QMap<QString, _stAppConfigNode *> m_apps;
 
-    // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to the
-    // right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens on the
-    // straight pressure line. So fx = x / 10 + 1000, fy = y / 10, digitX = fx * 26.162,
-    // digitY = fy * 37.
-    void setGeometry()
-    {
-        CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
-        CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
-        CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
-        std::tie(m_device.MaxX, m_device.MaxY, m_device.LPI, m_device.Width, m_device.Height,
-                 m_device.MaxPressure) = std::tuple(10000, 8000, 1000, 1000, 800, 2047);
-        stTablet_XMLData &settings = *m_settings;
-        settings.ScreenId = 2;
-        settings.SX = settings.SW = settings.TW = 1000;
-        settings.SH = settings.TH = 800;
-        settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
-        for (stPenConfig &pen : settings.CommonAPP.Pen) {
-            std::tie(pen.Speed, pen.P1X, pen.P1Y, pen.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
-        }
-    }
-
     TabletDataEX m_report{};
     _MultiData m_out{};
 
@@ -316,11 +290,10 @@ protected:
         }
     }
 
-    // Shows what a function of the pen arithmetic gives.
-    void mathCall(const std::string &verb, const std::string &line)
+    void mathCall(const std::string &verb, const Args &args)
     {
         using namespace penmath;
-        std::istringstream in(line);
+        std::istringstream in(args.line);
         const DeviceExtent device{10000, 8000, 1000, 800};
         std::string axes;
         std::ostringstream out;
@@ -363,15 +336,14 @@ protected:
         m_shown.push_back(out.str());
     }
 
-    // Shows what the key table gives.
-    void keyCall(const std::string &verb, const std::string &line)
+    void keyCall(const std::string &verb, const Args &args)
     {
-        std::istringstream in(line);
+        std::istringstream in(args.line);
         std::string key, combination;
         unsigned scanCode = 0, virtualKey = 0;
         in >> key >> scanCode >> std::hex >> virtualKey >> combination;
         const int qtKey = QMetaEnum::fromType<Qt::Key>().keyToValue(key.c_str());
-        EXPECT_TRUE(key.empty() || qtKey != -1) << line;
+        EXPECT_TRUE(key.empty() || qtKey != -1) << args.line;
         if (verb == "init") {
             cvtKeyCode::init();
         } else if (verb == "release") {
@@ -392,7 +364,6 @@ protected:
     int32_t m_oldPoint = 1000, m_carry = 0;
     int m_divisor = 0;
 
-    // Sets a field of the settings or calls the engine, as the command says.
     void command(const std::string &verb, const Args &args)
     {
         const int *n = args.n;
@@ -469,8 +440,6 @@ protected:
                 {"tw", &stTablet_XMLData::TW},
                 {"th", &stTablet_XMLData::TH}};
             m_settings.get()->*fields.at(args.word) = n[0];
-        } else if (verb == "clearlog") {
-            capturedlog::lines().clear();
         } else if (verb == "logged") {
             const std::string wanted = "log D " + args.line;
             EXPECT_NE(std::find(capturedlog::lines().begin(), capturedlog::lines().end(), wanted),
@@ -491,7 +460,22 @@ protected:
         } else if (verb == "eraserfn") {
             pen.PenBtn[0].id = n[1];
         } else if (verb == "geometry") {
-            setGeometry();
+            // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to
+            // the right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens
+            // on the straight pressure line. So fx = x / 10 + 1000, fy = y / 10,
+            // digitX = fx * 26.162, digitY = fy * 37.
+            CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
+            CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
+            CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
+            std::tie(m_device.MaxX, m_device.MaxY, m_device.LPI, m_device.Width, m_device.Height,
+                     m_device.MaxPressure) = std::tuple(10000, 8000, 1000, 1000, 800, 2047);
+            stTablet_XMLData &settings = *m_settings;
+            settings.ScreenId = 2;
+            settings.SX = settings.SW = settings.TW = 1000;
+            settings.SH = settings.TH = 800;
+            settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
+            for (stPenConfig &each : settings.CommonAPP.Pen)
+                std::tie(each.Speed, each.P1X, each.P1Y, each.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
         } else if (verb == "feed") {
             m_report = {};
             m_report.eventFlags = kEventPen;
@@ -521,15 +505,9 @@ TEST_P(Cases, Steps)
         std::istringstream in(line);
         std::string verb;
         in >> verb;
-        const Args args = parse(in);
-        if (GetParam().runner == 'e')
-            command(verb, args);
-        else if (GetParam().runner == 'd')
-            driverCall(verb, args);
-        else if (GetParam().runner == 'm')
-            mathCall(verb, args.line);
-        else
-            keyCall(verb, args.line);
+        void (Cases::*const runners[])(const std::string &, const Args &) = {
+            &Cases::command, &Cases::driverCall, &Cases::mathCall, &Cases::keyCall};
+        (this->*runners[std::string("edmk").find(GetParam().runner)])(verb, parse(in));
         if (expected.empty())
             continue;
         const bool nothing = expected == std::vector<std::string>{"-"};
@@ -538,17 +516,14 @@ TEST_P(Cases, Steps)
     }
 }
 
-const auto caseName = [](const auto &info) { return info.param.name; };
-INSTANTIATE_TEST_SUITE_P(Engine, Cases,
-                         ::testing::ValuesIn(readScripts(CACTION_CASES, "events tips msgs texts",
-                                                         'e')),
-                         caseName);
-INSTANTIATE_TEST_SUITE_P(Driver, Cases,
-                         ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", 'd')), caseName);
-INSTANTIATE_TEST_SUITE_P(PenMath, Cases, ::testing::ValuesIn(readScripts(PENMATH_CASES, "", 'm')),
-                         caseName);
-INSTANTIATE_TEST_SUITE_P(KeyTable, Cases, ::testing::ValuesIn(readScripts(KEYCODE_CASES, "", 'k')),
-                         caseName);
+#define CASES(suite, file, compared, runner)                                                       \
+    INSTANTIATE_TEST_SUITE_P(suite, Cases,                                                         \
+                             ::testing::ValuesIn(readScripts(file, compared, runner)),             \
+                             [](const auto &info) { return info.param.name; })
+CASES(Engine, CACTION_CASES, "events tips msgs texts", 'e');
+CASES(Driver, MYINPUT_CASES, "frames", 'd');
+CASES(PenMath, PENMATH_CASES, "", 'm');
+CASES(KeyTable, KEYCODE_CASES, "", 'k');
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
 // for the desktop's, first in PATH.

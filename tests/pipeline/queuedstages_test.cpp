@@ -14,6 +14,12 @@
 namespace
 {
 
+auto fields(const _MultiData &d)
+{
+    return std::tuple(d.flags, d.digitX, d.digitY, d.pressure, d.screenPosX, d.screenPosY, d.tiltX,
+                      d.tiltY);
+}
+
 // A hovering pen in the middle of a 10 x 6 inch tablet mapped to one 1920 x 1080 screen.
 class QueuedStages : public ::testing::Test
 {
@@ -50,15 +56,6 @@ protected:
                                                    m_Tablet.m_AppConfigs);
     }
 
-    static void expectSame(const _MultiData &a, const _MultiData &b)
-    {
-        const auto fields = [](const _MultiData &d) {
-            return std::tuple(d.flags, d.digitX, d.digitY, d.pressure, d.screenPosX, d.screenPosY,
-                              d.tiltX, d.tiltY);
-        };
-        EXPECT_EQ(fields(a), fields(b));
-    }
-
     CTablet m_Tablet;
     CGlobalTabletSlots m_Slots;
     TabletDataEX m_Report{};
@@ -85,7 +82,7 @@ TEST_F(QueuedStages, WorkerGivesTheResultOfTheDirectRoute)
     worker.stop(); // hangs unless a waiting worker stops
     ASSERT_EQ(results.count(), 1);
     EXPECT_EQ(results.at(0).at(0).value<CTablet *>(), &m_Tablet);
-    expectSame(results.at(0).at(1).value<MultiData>(), expected);
+    EXPECT_EQ(fields(results.at(0).at(1).value<MultiData>()), fields(expected));
     EXPECT_TRUE(CGlobalData::QueueTabletData.isEmpty());
 }
 
@@ -105,7 +102,7 @@ TEST_F(QueuedStages, ReceiverGivesTheResultOfTheDirectRouteWhileActive)
     QSignalSpy results(&receiver, &CReceiveTabletData::SentMultiData);
     receiver.ReceiveTabletDataEX(m_Report);
     ASSERT_EQ(results.count(), 1);
-    expectSame(results.at(0).at(1).value<MultiData>(), expected);
+    EXPECT_EQ(fields(results.at(0).at(1).value<MultiData>()), fields(expected));
 
     TabletDataEX elsewhere = m_Report;
     elsewhere.tabletIndex = 4;
