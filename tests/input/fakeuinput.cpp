@@ -19,11 +19,6 @@ namespace
 
 using OpenFunction = int (*)(const char *, int, ...);
 
-template <typename Function> Function nextSymbol(const char *name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
 // Told by file identity, so that a reused descriptor number is no node.
 Node *nodeFor(int fd)
 {
@@ -133,7 +128,7 @@ using namespace fakeuinput;
 
 extern "C" int open(const char *path, int flags, ...)
 {
-    static const auto real = nextSymbol<OpenFunction>("open");
+    static const auto real = reinterpret_cast<OpenFunction>(dlsym(RTLD_NEXT, "open"));
     va_list args;
     va_start(args, flags);
     const int fd = openFile(real, path, flags, args);
@@ -143,7 +138,8 @@ extern "C" int open(const char *path, int flags, ...)
 
 extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 {
-    static const auto real = nextSymbol<int (*)(int, unsigned long, ...)>("ioctl");
+    static const auto real =
+        reinterpret_cast<int (*)(int, unsigned long, ...)>(dlsym(RTLD_NEXT, "ioctl"));
     va_list args;
     va_start(args, request);
     void *argument = va_arg(args, void *);
@@ -164,7 +160,8 @@ extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 
 extern "C" ssize_t write(int fd, const void *buffer, size_t count)
 {
-    static const auto real = nextSymbol<ssize_t (*)(int, const void *, size_t)>("write");
+    static const auto real =
+        reinterpret_cast<ssize_t (*)(int, const void *, size_t)>(dlsym(RTLD_NEXT, "write"));
     Node *node = nodeFor(fd);
     if (node && state().writeLimit != 0 && count > state().writeLimit)
         count = state().writeLimit;

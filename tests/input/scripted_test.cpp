@@ -97,14 +97,12 @@ Args parse(std::istream &in)
     Args args;
     std::getline(in >> std::ws, args.line);
     std::istringstream words(args.line);
-    const auto isNumber = [](const std::string &w) {
-        return !w.empty() && w.find_first_not_of("-0123456789") == std::string::npos;
-    };
     std::string word;
     for (std::streampos at = 0; words >> word; at = words.tellg()) {
-        if (!isNumber(word) && args.count == 0 && args.word.empty()) {
+        const bool number = word.find_first_not_of("-0123456789") == std::string::npos;
+        if (!number && args.count == 0 && args.word.empty()) {
             args.word = word;
-        } else if (isNumber(word) && args.count < 8) {
+        } else if (number && args.count < 8) {
             args.n[args.count++] = std::stoi(word);
         } else {
             args.rest = args.line.substr(static_cast<size_t>(at) + (at > 0));
@@ -219,13 +217,12 @@ public:
         lines.insert(lines.end(), m_shown.begin(), m_shown.end());
         for (const std::string &tip : wants("tips") ? m_tip.texts : std::vector<std::string>{})
             lines.push_back("tip " + tip);
-        for (QSignalSpy *spy : {&m_ints, &m_texts}) {
-            const bool ints = spy == &m_ints;
+        for (const auto &[spy, kind] : {std::pair(&m_ints, "msg"), std::pair(&m_texts, "text")}) {
             for (const QList<QVariant> &call : *spy) {
                 EXPECT_EQ(call[0].toInt(), 3);
-                if (wants(ints ? "msgs" : "texts"))
-                    lines.push_back((ints ? "msg " : "text ") + call[1].toString().toStdString() +
-                                    " " + call[2].toString().toStdString());
+                if (wants(kind)) // "msgs", "texts"
+                    lines.push_back(
+                        kind + (" " + call[1].toString() + " " + call[2].toString()).toStdString());
             }
         }
         if (wants("logs"))

@@ -89,7 +89,6 @@ void runStep(const std::string &line, CParseTabletData *decoders)
 TEST(Decoder, Cases)
 {
     std::ifstream cases(DECODER_CASES);
-    ASSERT_TRUE(cases.good()) << DECODER_CASES;
     capturedlog::install();
     std::unique_ptr<CParseTabletData[]> decoders(new CParseTabletData[2]);
     std::string name;
@@ -108,7 +107,7 @@ TEST(Decoder, Cases)
         ++total;
         runStep(line, decoders.get());
     }
-    EXPECT_GT(total, 0);
+    EXPECT_GT(total, 0) << DECODER_CASES;
 }
 
 TEST(Decoder, NullPointersGiveZero)

@@ -40,7 +40,6 @@ protected:
         std::tie(pen.Speed, pen.P1X, pen.P1Y, pen.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
         m_Tablet.m_Index = 1;
         CGlobalData::TabletArray[1] = &m_Tablet;
-        m_Report = {};
         std::tie(m_Report.tabletIndex, m_Report.eventFlags, m_Report.x, m_Report.y) =
             std::tuple(1, 1, 25400, 15240);
         std::tie(m_Report.pressure, m_Report.penStatus) = std::tuple(4096, 0xA1);
