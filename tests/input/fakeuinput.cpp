@@ -28,11 +28,10 @@ Node *nodeFor(int fd)
         ++s.strayCalls;
     if (!s.active || fd <= 0 || fstat(fd, &info) != 0)
         return nullptr;
-    for (Node &node : s.nodes) {
+    for (Node &node : s.nodes)
         if (node.fd >= 0 &&
             node.file == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
             return &node;
-    }
     return nullptr;
 }
 
@@ -66,10 +65,9 @@ std::string describe(unsigned long request, void *argument)
         {UI_SET_RELBIT, "RELBIT "},      {UI_ABS_SETUP, "ABS_SETUP "},
         {UI_DEV_SETUP, "DEV_SETUP "}};
     std::ostringstream out;
-    for (const auto &[known, name] : kNames) {
+    for (const auto &[known, name] : kNames)
         if (known == request)
             out << name;
-    }
     const auto *setup = static_cast<const uinput_setup *>(argument);
     const auto *abs = static_cast<const uinput_abs_setup *>(argument);
     if (request == UI_ABS_SETUP)

@@ -190,11 +190,6 @@ public:
 
     _stAppConfigNode &common() { return m_settings->CommonAPP; }
 
-    _MultiData report(TabletDataEX &data)
-    {
-        return m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
-    }
-
     // The kinds named in compared, of what was given since the last call.
     std::vector<std::string> given(const std::string &compared)
     {
@@ -378,7 +373,8 @@ public:
                 data.keys.current[n[i] - 1] = n[0];
                 data.keys.previous[n[i] - 1] = !n[0];
             }
-            const _MultiData out = report(data);
+            const _MultiData out =
+                m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
             if (verb == "keyindex")
                 m_shown.push_back("index " + std::to_string(out.keyIndex) + " state " +
                                   std::to_string(out.keyState));
@@ -386,12 +382,12 @@ public:
             data.eventFlags = kEventWheel;
             data.wheelIndex = n[0];
             data.wheelDirection = n[1];
-            m_out = report(data);
+            m_out = m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
         } else if (verb == "pen") { // a fifth number leaves the pen flag out
             data.eventFlags = n[4] ? kEventPenButtons : kEventPen | kEventPenButtons;
             std::tie(data.penStatus, data.penButtonMask, data.penButtonState, data.penId) =
                 std::tuple(n[0], n[1], n[2], n[3]);
-            m_out = report(data);
+            m_out = m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
         } else if (verb == "nosettings") {
             m_out = m_action.ActionTabletData(data, m_device, nullptr, m_apps);
         } else if (verb == "result") {
@@ -479,7 +475,7 @@ public:
             std::tie(m_report.penStatus, m_report.x, m_report.y, m_report.pressure) =
                 std::tuple(n[0], n[1], n[2], n[3]);
             std::tie(m_report.tiltX, m_report.tiltY, m_report.penId) = std::tuple(n[4], n[5], n[6]);
-            m_out = report(m_report);
+            m_out = m_action.ActionTabletData(m_report, m_device, m_settings.get(), m_apps);
         } else if (verb == "mapped") {
             std::ostringstream out;
             out << "mapped " << m_out.screenPosX << " " << m_out.screenPosY << " " << m_out.digitX

@@ -20,10 +20,9 @@ namespace
 std::string keysDown(const uint8_t (&states)[kTabletKeyCount])
 {
     std::string down;
-    for (int key = 0; key < kTabletKeyCount; ++key) {
+    for (int key = 0; key < kTabletKeyCount; ++key)
         if (states[key])
             down += (down.empty() ? "" : ",") + std::to_string(key);
-    }
     return down.empty() ? "-" : down;
 }
 
