@@ -81,11 +81,7 @@ protected:
         m_input = std::make_unique<MyInput>();
     }
 
-    void expectDescriptors(int pen, int mouse, int eraser)
-    {
-        EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
-                  std::tuple(pen, mouse, eraser));
-    }
+    auto fds() const { return std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()); }
 
     QTemporaryDir m_folder;
     std::unique_ptr<MyInput> m_input;
@@ -115,7 +111,7 @@ TEST_F(Creation, InitOpensAndSetsUpPenMouseEraser)
             expectCalls(c.protocol, node);
             EXPECT_EQ(nodes[node].calls.back(), "DEV_CREATE");
         }
-        expectDescriptors(std::max(nodes[0].fd, 0), nodes[1].fd, nodes[2].fd);
+        EXPECT_EQ(fds(), std::tuple(std::max(nodes[0].fd, 0), nodes[1].fd, nodes[2].fd));
         EXPECT_EQ(m_input->lastDevice(), 0);
         EXPECT_EQ(capturedlog::lines(), c.logs);
     }
@@ -131,7 +127,7 @@ TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
     const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
     for (int node = 0; node < 3; ++node)
         expectCalls("old", node, false);
-    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
+    EXPECT_EQ(fds(), std::tuple(nodes[0].fd, nodes[1].fd, nodes[2].fd));
     EXPECT_EQ(capturedlog::lines(), (Logs{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
     m_input->CloseUinput();
     EXPECT_EQ(fakeuinput::state().nodes[0].calls.back(), "DEV_DESTROY");
@@ -148,7 +144,7 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
     make(5, 0b111);
     EXPECT_EQ(m_input->Init(), 1);
-    expectDescriptors(0, 0, 0);
+    EXPECT_EQ(fds(), std::tuple(0, 0, 0));
     EXPECT_EQ(fakeuinput::state().nodes.size(), 3u);
     EXPECT_EQ(capturedlog::lines(), (Logs{kOpenFailed, kOpenFailed}));
     m_input->CloseUinput();
@@ -165,7 +161,7 @@ TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
         } else {
             m_input->CloseUinput();
             m_input->CloseUinput();
-            expectDescriptors(0, 0, 0);
+            EXPECT_EQ(fds(), std::tuple(0, 0, 0));
         }
         for (const fakeuinput::Node &node : fakeuinput::state().nodes) {
             EXPECT_EQ(node.calls.back(), "DEV_DESTROY");
