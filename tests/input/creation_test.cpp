@@ -52,23 +52,19 @@ std::map<std::string, Calls> readCalls()
 
 const std::map<std::string, Calls> kCalls = readCalls();
 
-Calls expected(const char *protocol, int node, bool created = true)
+// What the node was asked, as a set, against its section.
+void expectCalls(const std::string &protocol, int node, bool created = true)
 {
-    Calls calls = kCalls.at(std::string(protocol) + " " + std::to_string(node));
+    const std::vector<std::string> &calls = fakeuinput::state().nodes.at(node).calls;
+    Calls wanted = kCalls.at(protocol + " " + std::to_string(node));
     if (!created)
-        calls.erase("DEV_CREATE");
-    return calls;
+        wanted.erase("DEV_CREATE");
+    EXPECT_EQ(Calls(calls.begin(), calls.end()), wanted) << node;
 }
 
 class Creation : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_folder.isValid());
-        capturedlog::install();
-    }
-
     void TearDown() override
     {
         m_input.reset();
@@ -81,21 +77,11 @@ protected:
         fakeuinput::start(m_folder.path().toStdString());
         fakeuinput::state().version = version;
         fakeuinput::state().openFailures = openFailures;
-        capturedlog::lines().clear();
+        capturedlog::install();
         m_input = std::make_unique<MyInput>();
     }
 
-    static Calls callSet(int node)
-    {
-        const std::vector<std::string> &calls = fakeuinput::state().nodes.at(node).calls;
-        return Calls(calls.begin(), calls.end());
-    }
-
-    void expectDescriptors(int pen, int mouse, int eraser)
-    {
-        EXPECT_EQ(std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()),
-                  std::tuple(pen, mouse, eraser));
-    }
+    auto fds() const { return std::tuple(m_input->absFd(), m_input->relFd(), m_input->eraserFd()); }
 
     QTemporaryDir m_folder;
     std::unique_ptr<MyInput> m_input;
@@ -122,10 +108,10 @@ TEST_F(Creation, InitOpensAndSetsUpPenMouseEraser)
         ASSERT_EQ(nodes.size(), 3u);
         for (int node = int(c.openFailures); node < 3; ++node) {
             EXPECT_EQ(nodes[node].flags, O_WRONLY | O_NONBLOCK);
-            EXPECT_EQ(callSet(node), expected(c.protocol, node)) << node;
+            expectCalls(c.protocol, node);
             EXPECT_EQ(nodes[node].calls.back(), "DEV_CREATE");
         }
-        expectDescriptors(std::max(nodes[0].fd, 0), nodes[1].fd, nodes[2].fd);
+        EXPECT_EQ(fds(), std::tuple(std::max(nodes[0].fd, 0), nodes[1].fd, nodes[2].fd));
         EXPECT_EQ(m_input->lastDevice(), 0);
         EXPECT_EQ(capturedlog::lines(), c.logs);
     }
@@ -140,8 +126,8 @@ TEST_F(Creation, ShortRecordWriteFailsAndKeepsTheDescriptor)
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
     const std::vector<fakeuinput::Node> &nodes = fakeuinput::state().nodes;
     for (int node = 0; node < 3; ++node)
-        EXPECT_EQ(callSet(node), expected("old", node, false)) << node;
-    expectDescriptors(nodes[0].fd, nodes[1].fd, nodes[2].fd);
+        expectCalls("old", node, false);
+    EXPECT_EQ(fds(), std::tuple(nodes[0].fd, nodes[1].fd, nodes[2].fd));
     EXPECT_EQ(capturedlog::lines(), (Logs{kOldKernel, kShortRecord, kShortRecord, kShortRecord}));
     m_input->CloseUinput();
     EXPECT_EQ(fakeuinput::state().nodes[0].calls.back(), "DEV_DESTROY");
@@ -158,7 +144,7 @@ TEST_F(Creation, FailedOpensLeaveZeroDescriptorsAndDropEverything)
     EXPECT_EQ(m_input->OpenAbsEraserUinput(), 0);
     make(5, 0b111);
     EXPECT_EQ(m_input->Init(), 1);
-    expectDescriptors(0, 0, 0);
+    EXPECT_EQ(fds(), std::tuple(0, 0, 0));
     EXPECT_EQ(fakeuinput::state().nodes.size(), 3u);
     EXPECT_EQ(capturedlog::lines(), (Logs{kOpenFailed, kOpenFailed}));
     m_input->CloseUinput();
@@ -175,7 +161,7 @@ TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
         } else {
             m_input->CloseUinput();
             m_input->CloseUinput();
-            expectDescriptors(0, 0, 0);
+            EXPECT_EQ(fds(), std::tuple(0, 0, 0));
         }
         for (const fakeuinput::Node &node : fakeuinput::state().nodes) {
             EXPECT_EQ(node.calls.back(), "DEV_DESTROY");

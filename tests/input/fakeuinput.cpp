@@ -19,11 +19,6 @@ namespace
 
 using OpenFunction = int (*)(const char *, int, ...);
 
-template <typename Function> Function nextSymbol(const char *name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
 // Told by file identity, so that a reused descriptor number is no node.
 Node *nodeFor(int fd)
 {
@@ -33,11 +28,10 @@ Node *nodeFor(int fd)
         ++s.strayCalls;
     if (!s.active || fd <= 0 || fstat(fd, &info) != 0)
         return nullptr;
-    for (Node &node : s.nodes) {
+    for (Node &node : s.nodes)
         if (node.fd >= 0 &&
             node.file == std::pair<unsigned long, unsigned long>(info.st_dev, info.st_ino))
             return &node;
-    }
     return nullptr;
 }
 
@@ -57,9 +51,8 @@ int openFile(OpenFunction real, const char *path, int flags, va_list args)
     const std::string node = s.folder + "/uinput" + std::to_string(index);
     const int fd = real(node.c_str(), flags | O_CREAT | O_TRUNC, 0600);
     struct stat info = {};
-    if (fd >= 0 && fstat(fd, &info) == 0) {
+    if (fd >= 0 && fstat(fd, &info) == 0)
         s.nodes[index] = {flags, fd, {}, {info.st_dev, info.st_ino}};
-    }
     return fd;
 }
 
@@ -72,10 +65,9 @@ std::string describe(unsigned long request, void *argument)
         {UI_SET_RELBIT, "RELBIT "},      {UI_ABS_SETUP, "ABS_SETUP "},
         {UI_DEV_SETUP, "DEV_SETUP "}};
     std::ostringstream out;
-    for (const auto &[known, name] : kNames) {
+    for (const auto &[known, name] : kNames)
         if (known == request)
             out << name;
-    }
     const auto *setup = static_cast<const uinput_setup *>(argument);
     const auto *abs = static_cast<const uinput_abs_setup *>(argument);
     if (request == UI_ABS_SETUP)
@@ -89,7 +81,6 @@ std::string describe(unsigned long request, void *argument)
     return out.str().empty() ? "ioctl " + std::to_string(request) : out.str();
 }
 
-// The record lists its name and id, then each axis with a range.
 void describeRecord(Node &node, const void *buffer, size_t count)
 {
     uinput_user_dev record{};
@@ -135,7 +126,7 @@ using namespace fakeuinput;
 
 extern "C" int open(const char *path, int flags, ...)
 {
-    static const auto real = nextSymbol<OpenFunction>("open");
+    static const auto real = reinterpret_cast<OpenFunction>(dlsym(RTLD_NEXT, "open"));
     va_list args;
     va_start(args, flags);
     const int fd = openFile(real, path, flags, args);
@@ -145,7 +136,8 @@ extern "C" int open(const char *path, int flags, ...)
 
 extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 {
-    static const auto real = nextSymbol<int (*)(int, unsigned long, ...)>("ioctl");
+    static const auto real =
+        reinterpret_cast<int (*)(int, unsigned long, ...)>(dlsym(RTLD_NEXT, "ioctl"));
     va_list args;
     va_start(args, request);
     void *argument = va_arg(args, void *);
@@ -166,7 +158,8 @@ extern "C" int ioctl(int fd, unsigned long request, ...) noexcept
 
 extern "C" ssize_t write(int fd, const void *buffer, size_t count)
 {
-    static const auto real = nextSymbol<ssize_t (*)(int, const void *, size_t)>("write");
+    static const auto real =
+        reinterpret_cast<ssize_t (*)(int, const void *, size_t)>(dlsym(RTLD_NEXT, "write"));
     Node *node = nodeFor(fd);
     if (node && state().writeLimit != 0 && count > state().writeLimit)
         count = state().writeLimit;

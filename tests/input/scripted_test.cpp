@@ -45,8 +45,7 @@ const char *const kDevices[] = {"pen", "mouse", "eraser", "unknown"};
 struct Script {
     std::string name;
     std::string compared;
-    char runner; // commands call the engine, the driver (MyInput), the pen arithmetic or the key
-                 // table
+    char runner; // 'e'ngine, 'd'river (MyInput), pen 'm'ath or 'k'ey table
     std::vector<std::pair<std::string, std::vector<std::string>>> steps;
 };
 
@@ -98,14 +97,12 @@ Args parse(std::istream &in)
     Args args;
     std::getline(in >> std::ws, args.line);
     std::istringstream words(args.line);
-    const auto isNumber = [](const std::string &w) {
-        return !w.empty() && w.find_first_not_of("-0123456789") == std::string::npos;
-    };
     std::string word;
     for (std::streampos at = 0; words >> word; at = words.tellg()) {
-        if (!isNumber(word) && args.count == 0 && args.word.empty()) {
+        const bool number = word.find_first_not_of("-0123456789") == std::string::npos;
+        if (!number && args.count == 0 && args.word.empty()) {
             args.word = word;
-        } else if (isNumber(word) && args.count < 8) {
+        } else if (number && args.count < 8) {
             args.n[args.count++] = std::stoi(word);
         } else {
             args.rest = args.line.substr(static_cast<size_t>(at) + (at > 0));
@@ -125,7 +122,7 @@ struct RecordedTips : CTipSink {
 // and the engine posts as device 3.
 class Cases : public ::testing::TestWithParam<Script>
 {
-protected:
+public:
     void SetUp() override
     {
         ASSERT_TRUE(m_folder.isValid());
@@ -193,11 +190,6 @@ protected:
 
     _stAppConfigNode &common() { return m_settings->CommonAPP; }
 
-    _MultiData report(TabletDataEX &data)
-    {
-        return m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
-    }
-
     // The kinds named in compared, of what was given since the last call.
     std::vector<std::string> given(const std::string &compared)
     {
@@ -205,12 +197,10 @@ protected:
             return compared.find(kind) != std::string::npos;
         };
         std::vector<std::string> lines;
-        for (int device = 0; device < 4 && wants("frames"); ++device) {
-            for (const auto &[written, event] : m_written) {
+        for (int device = 0; device < 4 && wants("frames"); ++device)
+            for (const auto &[written, event] : m_written)
                 if (written == device)
                     lines.push_back(std::string(kDevices[device]) + " " + describe(event));
-            }
-        }
         for (const auto &[device, event] : m_written) {
             const bool toolBit = event.code == BTN_TOOL_PEN || event.code == BTN_TOUCH ||
                                  event.code == BTN_TOOL_RUBBER;
@@ -220,17 +210,14 @@ protected:
         if (m_zeroTime && wants("frames"))
             lines.push_back("zero-time");
         lines.insert(lines.end(), m_shown.begin(), m_shown.end());
-        for (const std::string &tip : m_tip.texts) {
-            if (wants("tips"))
-                lines.push_back("tip " + tip);
-        }
-        for (QSignalSpy *spy : {&m_ints, &m_texts}) {
-            const bool ints = spy == &m_ints;
+        for (const std::string &tip : wants("tips") ? m_tip.texts : std::vector<std::string>{})
+            lines.push_back("tip " + tip);
+        for (const auto &[spy, kind] : {std::pair(&m_ints, "msg"), std::pair(&m_texts, "text")}) {
             for (const QList<QVariant> &call : *spy) {
                 EXPECT_EQ(call[0].toInt(), 3);
-                if (wants(ints ? "msgs" : "texts"))
-                    lines.push_back((ints ? "msg " : "text ") + call[1].toString().toStdString() +
-                                    " " + call[2].toString().toStdString());
+                if (wants(kind)) // "msgs", "texts"
+                    lines.push_back(
+                        kind + (" " + call[1].toString() + " " + call[2].toString()).toStdString());
             }
         }
         if (wants("logs"))
@@ -261,27 +248,6 @@ protected:
     std::unique_ptr<stTablet_XMLData> m_settings = std::make_unique<stTablet_XMLData>();
     _DEVICE_ATTRIBUTES m_device{};
     QMap<QString, _stAppConfigNode *> m_apps;
-
-    // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to the
-    // right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens on the
-    // straight pressure line. So fx = x / 10 + 1000, fy = y / 10, digitX = fx * 26.162,
-    // digitY = fy * 37.
-    void setGeometry()
-    {
-        CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
-        CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
-        CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
-        std::tie(m_device.MaxX, m_device.MaxY, m_device.LPI, m_device.Width, m_device.Height,
-                 m_device.MaxPressure) = std::tuple(10000, 8000, 1000, 1000, 800, 2047);
-        stTablet_XMLData &settings = *m_settings;
-        settings.ScreenId = 2;
-        settings.SX = settings.SW = settings.TW = 1000;
-        settings.SH = settings.TH = 800;
-        settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
-        for (stPenConfig &pen : settings.CommonAPP.Pen) {
-            std::tie(pen.Speed, pen.P1X, pen.P1Y, pen.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
-        }
-    }
 
     TabletDataEX m_report{};
     _MultiData m_out{};
@@ -316,11 +282,10 @@ protected:
         }
     }
 
-    // Shows what a function of the pen arithmetic gives.
-    void mathCall(const std::string &verb, const std::string &line)
+    void mathCall(const std::string &verb, const Args &args)
     {
         using namespace penmath;
-        std::istringstream in(line);
+        std::istringstream in(args.line);
         const DeviceExtent device{10000, 8000, 1000, 800};
         std::string axes;
         std::ostringstream out;
@@ -363,15 +328,14 @@ protected:
         m_shown.push_back(out.str());
     }
 
-    // Shows what the key table gives.
-    void keyCall(const std::string &verb, const std::string &line)
+    void keyCall(const std::string &verb, const Args &args)
     {
-        std::istringstream in(line);
+        std::istringstream in(args.line);
         std::string key, combination;
         unsigned scanCode = 0, virtualKey = 0;
         in >> key >> scanCode >> std::hex >> virtualKey >> combination;
         const int qtKey = QMetaEnum::fromType<Qt::Key>().keyToValue(key.c_str());
-        EXPECT_TRUE(key.empty() || qtKey != -1) << line;
+        EXPECT_TRUE(key.empty() || qtKey != -1) << args.line;
         if (verb == "init") {
             cvtKeyCode::init();
         } else if (verb == "release") {
@@ -392,7 +356,6 @@ protected:
     int32_t m_oldPoint = 1000, m_carry = 0;
     int m_divisor = 0;
 
-    // Sets a field of the settings or calls the engine, as the command says.
     void command(const std::string &verb, const Args &args)
     {
         const int *n = args.n;
@@ -410,7 +373,8 @@ protected:
                 data.keys.current[n[i] - 1] = n[0];
                 data.keys.previous[n[i] - 1] = !n[0];
             }
-            const _MultiData out = report(data);
+            const _MultiData out =
+                m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
             if (verb == "keyindex")
                 m_shown.push_back("index " + std::to_string(out.keyIndex) + " state " +
                                   std::to_string(out.keyState));
@@ -418,12 +382,12 @@ protected:
             data.eventFlags = kEventWheel;
             data.wheelIndex = n[0];
             data.wheelDirection = n[1];
-            m_out = report(data);
+            m_out = m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
         } else if (verb == "pen") { // a fifth number leaves the pen flag out
             data.eventFlags = n[4] ? kEventPenButtons : kEventPen | kEventPenButtons;
             std::tie(data.penStatus, data.penButtonMask, data.penButtonState, data.penId) =
                 std::tuple(n[0], n[1], n[2], n[3]);
-            m_out = report(data);
+            m_out = m_action.ActionTabletData(data, m_device, m_settings.get(), m_apps);
         } else if (verb == "nosettings") {
             m_out = m_action.ActionTabletData(data, m_device, nullptr, m_apps);
         } else if (verb == "result") {
@@ -469,8 +433,6 @@ protected:
                 {"tw", &stTablet_XMLData::TW},
                 {"th", &stTablet_XMLData::TH}};
             m_settings.get()->*fields.at(args.word) = n[0];
-        } else if (verb == "clearlog") {
-            capturedlog::lines().clear();
         } else if (verb == "logged") {
             const std::string wanted = "log D " + args.line;
             EXPECT_NE(std::find(capturedlog::lines().begin(), capturedlog::lines().end(), wanted),
@@ -491,14 +453,29 @@ protected:
         } else if (verb == "eraserfn") {
             pen.PenBtn[0].id = n[1];
         } else if (verb == "geometry") {
-            setGeometry();
+            // A tablet of 10000 x 8000 counts at 1000 lpi (10 x 8 inches), its full area mapped to
+            // the right screen (1000..1999 x 0..799) of a desktop of two 1000 x 800 screens; pens
+            // on the straight pressure line. So fx = x / 10 + 1000, fy = y / 10,
+            // digitX = fx * 26.162, digitY = fy * 37.
+            CGlobalData::ScreenArray[0] = QRect(0, 0, 2000, 800);
+            CGlobalData::ScreenArray[1] = QRect(0, 0, 1000, 800);
+            CGlobalData::ScreenArray[2] = QRect(1000, 0, 1000, 800);
+            std::tie(m_device.MaxX, m_device.MaxY, m_device.LPI, m_device.Width, m_device.Height,
+                     m_device.MaxPressure) = std::tuple(10000, 8000, 1000, 1000, 800, 2047);
+            stTablet_XMLData &settings = *m_settings;
+            settings.ScreenId = 2;
+            settings.SX = settings.SW = settings.TW = 1000;
+            settings.SH = settings.TH = 800;
+            settings.fKX = settings.fKY = settings.fXLC = settings.fYLC = 1;
+            for (stPenConfig &each : settings.CommonAPP.Pen)
+                std::tie(each.Speed, each.P1X, each.P1Y, each.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
         } else if (verb == "feed") {
             m_report = {};
             m_report.eventFlags = kEventPen;
             std::tie(m_report.penStatus, m_report.x, m_report.y, m_report.pressure) =
                 std::tuple(n[0], n[1], n[2], n[3]);
             std::tie(m_report.tiltX, m_report.tiltY, m_report.penId) = std::tuple(n[4], n[5], n[6]);
-            m_out = report(m_report);
+            m_out = m_action.ActionTabletData(m_report, m_device, m_settings.get(), m_apps);
         } else if (verb == "mapped") {
             std::ostringstream out;
             out << "mapped " << m_out.screenPosX << " " << m_out.screenPosY << " " << m_out.digitX
@@ -521,15 +498,9 @@ TEST_P(Cases, Steps)
         std::istringstream in(line);
         std::string verb;
         in >> verb;
-        const Args args = parse(in);
-        if (GetParam().runner == 'e')
-            command(verb, args);
-        else if (GetParam().runner == 'd')
-            driverCall(verb, args);
-        else if (GetParam().runner == 'm')
-            mathCall(verb, args.line);
-        else
-            keyCall(verb, args.line);
+        void (Cases::*const runners[])(const std::string &, const Args &) = {
+            &Cases::command, &Cases::driverCall, &Cases::mathCall, &Cases::keyCall};
+        (this->*runners[std::string("edmk").find(GetParam().runner)])(verb, parse(in));
         if (expected.empty())
             continue;
         const bool nothing = expected == std::vector<std::string>{"-"};
@@ -538,17 +509,14 @@ TEST_P(Cases, Steps)
     }
 }
 
-const auto caseName = [](const auto &info) { return info.param.name; };
-INSTANTIATE_TEST_SUITE_P(Engine, Cases,
-                         ::testing::ValuesIn(readScripts(CACTION_CASES, "events tips msgs texts",
-                                                         'e')),
-                         caseName);
-INSTANTIATE_TEST_SUITE_P(Driver, Cases,
-                         ::testing::ValuesIn(readScripts(MYINPUT_CASES, "frames", 'd')), caseName);
-INSTANTIATE_TEST_SUITE_P(PenMath, Cases, ::testing::ValuesIn(readScripts(PENMATH_CASES, "", 'm')),
-                         caseName);
-INSTANTIATE_TEST_SUITE_P(KeyTable, Cases, ::testing::ValuesIn(readScripts(KEYCODE_CASES, "", 'k')),
-                         caseName);
+#define CASES(suite, file, compared, runner)                                                       \
+    INSTANTIATE_TEST_SUITE_P(suite, Cases,                                                         \
+                             ::testing::ValuesIn(readScripts(file, compared, runner)),             \
+                             [](const auto &info) { return info.param.name; })
+CASES(Engine, CACTION_CASES, "events tips msgs texts", 'e');
+CASES(Driver, MYINPUT_CASES, "frames", 'd');
+CASES(PenMath, PENMATH_CASES, "", 'm');
+CASES(KeyTable, KEYCODE_CASES, "", 'k');
 
 // Temporary programs only: a script that writes its environment, and an opener that stands in
 // for the desktop's, first in PATH.

@@ -14,6 +14,12 @@
 namespace
 {
 
+auto fields(const _MultiData &d)
+{
+    return std::tuple(d.flags, d.digitX, d.digitY, d.pressure, d.screenPosX, d.screenPosY, d.tiltX,
+                      d.tiltY);
+}
+
 // A hovering pen in the middle of a 10 x 6 inch tablet mapped to one 1920 x 1080 screen.
 class QueuedStages : public ::testing::Test
 {
@@ -34,7 +40,6 @@ protected:
         std::tie(pen.Speed, pen.P1X, pen.P1Y, pen.P2) = std::tuple(5, 0.5f, 0.5f, 1.0f);
         m_Tablet.m_Index = 1;
         CGlobalData::TabletArray[1] = &m_Tablet;
-        m_Report = {};
         std::tie(m_Report.tabletIndex, m_Report.eventFlags, m_Report.x, m_Report.y) =
             std::tuple(1, 1, 25400, 15240);
         std::tie(m_Report.pressure, m_Report.penStatus) = std::tuple(4096, 0xA1);
@@ -48,15 +53,6 @@ protected:
         m_Tablet.m_Action->setDeviceIndex(1);
         return m_Tablet.m_Action->ActionTabletData(report, attributes, m_Tablet.m_TabletXMLData,
                                                    m_Tablet.m_AppConfigs);
-    }
-
-    static void expectSame(const _MultiData &a, const _MultiData &b)
-    {
-        const auto fields = [](const _MultiData &d) {
-            return std::tuple(d.flags, d.digitX, d.digitY, d.pressure, d.screenPosX, d.screenPosY,
-                              d.tiltX, d.tiltY);
-        };
-        EXPECT_EQ(fields(a), fields(b));
     }
 
     CTablet m_Tablet;
@@ -85,7 +81,7 @@ TEST_F(QueuedStages, WorkerGivesTheResultOfTheDirectRoute)
     worker.stop(); // hangs unless a waiting worker stops
     ASSERT_EQ(results.count(), 1);
     EXPECT_EQ(results.at(0).at(0).value<CTablet *>(), &m_Tablet);
-    expectSame(results.at(0).at(1).value<MultiData>(), expected);
+    EXPECT_EQ(fields(results.at(0).at(1).value<MultiData>()), fields(expected));
     EXPECT_TRUE(CGlobalData::QueueTabletData.isEmpty());
 }
 
@@ -105,7 +101,7 @@ TEST_F(QueuedStages, ReceiverGivesTheResultOfTheDirectRouteWhileActive)
     QSignalSpy results(&receiver, &CReceiveTabletData::SentMultiData);
     receiver.ReceiveTabletDataEX(m_Report);
     ASSERT_EQ(results.count(), 1);
-    expectSame(results.at(0).at(1).value<MultiData>(), expected);
+    EXPECT_EQ(fields(results.at(0).at(1).value<MultiData>()), fields(expected));
 
     TabletDataEX elsewhere = m_Report;
     elsewhere.tabletIndex = 4;
