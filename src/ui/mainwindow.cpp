@@ -52,8 +52,8 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     m_StartTime = QTime::currentTime();
     connectShell();
     watchDragAreas();
-    // Telemetry is dormant, and with it the art-community link.
-    ui->LinkArtBtn->hide();
+    CheckUpdateTQR4470C();
+    InitDataCollectAction();
     ui->pushButton_cancel->hide();
     DeleteUI();
 }
@@ -382,6 +382,7 @@ void MainWindow::OnShowDriver()
 // Closing the panel saves and leaves the driver running in the tray.
 void MainWindow::on_closeBtn_clicked()
 {
+    sendUsageEvent("CloseBtnClicked");
     InitSystemTray();
     hide();
     on_pushButton_ok_clicked();
@@ -391,6 +392,7 @@ void MainWindow::on_pushButton_ok_clicked()
 {
     if (!m_CurrentTablet)
         return;
+    sendUsageEvent("ConfirmButtonClicked", "1", true);
     for (CTablet *tablet : CGlobalData::TabletArray) {
         if (tablet)
             tablet->SaveXML();
@@ -404,6 +406,7 @@ void MainWindow::on_pushButton_cancel_clicked()
 {
     if (!m_CurrentTablet)
         return;
+    sendUsageEvent("CancelButtonClicked", "1", true);
     for (CTablet *tablet : CGlobalData::TabletArray) {
         if (tablet)
             tablet->LoadXML(tablet->m_DeviceAttributes.ModelName);
@@ -422,6 +425,7 @@ void MainWindow::OnUpdateApp()
 // Saves, then gives every device back to the system before the driver ends.
 void MainWindow::OnQuiqDriver()
 {
+    sendUsageEvent("ExitDriver");
     on_pushButton_ok_clicked();
     for (CTablet *tablet : CGlobalData::TabletArray) {
         if (tablet)

@@ -8,6 +8,8 @@
 #include <QTime>
 #include <QWidget>
 
+#include <functional>
+
 namespace Ui
 {
 class MainWindow;
@@ -16,6 +18,7 @@ class BatteryWidget;
 class CDeviceManager;
 class CTablet;
 class JingXiMode;
+class JsonServer;
 class MyLrc;
 class QLabel;
 class QListWidgetItem;
@@ -23,6 +26,8 @@ class QPixmap;
 class QRect;
 class SettingForm;
 class TrayMenu;
+class UpdateServer;
+class QTimer;
 
 // The one top-level window. Its bodies live in files by area: mainwindow.cpp is the shell,
 // mainwindow_<area>.cpp the rest.
@@ -59,6 +64,19 @@ public:
 
     // Pen: the pressure slider's level for a curve, -3, the softest, to 3, the hardest.
     static int DidPressurePointsConvertToIntValue(SPresslvPoints points);
+
+    // Usage data, dormant: the channel's pointer stays null and nothing is composed.
+    void InitDataCollectAction();
+    QString GetTabletXmlDataToJson(int slot);
+    QString GetAPPConfigDataToJson(int slot, QString name, _stAppConfigNode *app,
+                                   stTablet_XMLData *data);
+    // Nothing in the program calls this; a test installs a channel to see what is composed.
+    void setJsonServer(JsonServer *server);
+
+    // Updates, dormant as well.
+    static bool compareVersion(const QString &a, const QString &b);
+    void CheckUpdateTQR4470C();
+    const QString &driverDownloadUrl() const { return m_DriverDownloadUrl; }
 
     CTablet *currentTablet() const { return m_CurrentTablet; }
     bool startedMinimised() const { return m_StartedMinimised; }
@@ -111,6 +129,12 @@ public slots:
     void onCheckBoxDisableHotkey(bool disabled);
     void onCheckBoxDisableTipMsg(bool disabled);
 
+    // Usage data and updates
+    void onChangeCollectDataOption(bool on);
+    void onSendJsonDataToServer(QString message);
+    void time_handler();
+    void OnGetNewDriver(int code, QString version, QString downloadUrl, QString message);
+
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
 
@@ -160,6 +184,12 @@ private:
     void createSettingForm();
     void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
 
+    // Usage data: each composes only behind the null-pointer test.
+    void sendUsage(const std::function<QString()> &compose);
+    void sendUsageEvent(const char *name, const QString &value = "1", bool withTablet = false);
+    QString startEvent(const char *name) const;
+    QString currentTabletName() const;
+
     Ui::MainWindow *ui;
     CDeviceManager *m_Devices = nullptr;
     CTablet *m_CurrentTablet = nullptr;
@@ -175,4 +205,8 @@ private:
     MyLrc *m_Tip = nullptr;
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
+    JsonServer *m_JsonServer = nullptr;
+    QTimer *m_CollectTimer = nullptr;
+    UpdateServer *m_UpdateServer = nullptr;
+    QString m_DriverDownloadUrl;
 };

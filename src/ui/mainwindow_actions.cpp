@@ -7,6 +7,8 @@
 #include "ctablet.h"
 #include "devicecommands.h"
 #include "jingximode.h"
+#include "jsonserver.h"
+#include "textfield.h"
 
 #include <QCursor>
 #include <QDebug>
@@ -46,10 +48,18 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
     }
 }
 
-void MainWindow::ReceivActionMsg(int tabletId, int, QString)
+void MainWindow::ReceivActionMsg(int tabletId, int msgId, QString text)
 {
     if (tabletId < 0 || tabletId >= kTabletSlots || !CGlobalData::TabletArray[tabletId])
         return;
+    const CTablet *tablet = CGlobalData::TabletArray[tabletId];
+    if (msgId == kMsgUsage) {
+        sendUsage([&] {
+            return JsonServer::GetJsonData("tablet",
+                                           fieldText(tablet->m_DeviceAttributes.PidString)) +
+                   "," + text;
+        });
+    }
 }
 
 void MainWindow::ReceivTabletLightData(CTablet *) {}

@@ -2,6 +2,7 @@
 #include "mainwindow.h"
 
 #include "ctablet.h"
+#include "jsonserver.h"
 #include "settingform.h"
 #include "ui_mainwindow.h"
 
@@ -18,12 +19,15 @@ void MainWindow::ShowSettingForm()
     m_SettingForm->activateWindow();
 }
 
-// Telemetry and the updater are dormant: no consent box and no download entry.
+// The consent box needs a collecting installation and the Chinese texts; the download
+// entry, a red point. While telemetry and updates are dormant, neither shows.
 void MainWindow::createSettingForm()
 {
     qDebug() << "ShowSettingForm";
     m_SettingForm = new SettingForm(this);
-    m_SettingForm->SetDataCollectVisable(false, false);
+    const bool collects = m_JsonServer && m_JsonServer->BCollectDataVersion();
+    m_SettingForm->SetDataCollectVisable(collects && m_Language == "ChineseSimplified",
+                                         collects && m_JsonServer->BCollectDataToServer());
     const QVariant redPoint = ui->settingBtn->property("redPoint");
     m_SettingForm->SetDriverDownBtnVisabel(redPoint.toString() == "1" ||
                                            redPoint.toString() == "true");
@@ -31,6 +35,8 @@ void MainWindow::createSettingForm()
     connect(m_SettingForm, &SettingForm::DisableSlope, this, &MainWindow::onCheckBoxDisableSlope);
     connect(m_SettingForm, &SettingForm::DisableHotkey, this, &MainWindow::onCheckBoxDisableHotkey);
     connect(m_SettingForm, &SettingForm::DisableTipMsg, this, &MainWindow::onCheckBoxDisableTipMsg);
+    connect(m_SettingForm, &SettingForm::CollectDataChecked, this,
+            &MainWindow::onChangeCollectDataOption);
 }
 
 void MainWindow::CloseSettingFormDevices()
@@ -62,6 +68,7 @@ void MainWindow::onCheckBoxDisableTipMsg(bool disabled)
 void MainWindow::storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value)
 {
     qDebug() << name << value;
+    sendUsageEvent(name, value ? "1" : "0", true);
     if (!m_CurrentTablet || !m_CurrentTablet->m_TabletXMLData)
         return;
     m_CurrentTablet->m_TabletXMLData->*flag = value ? 1 : 0;

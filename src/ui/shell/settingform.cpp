@@ -1,6 +1,7 @@
 #include "settingform.h"
 
 #include "cglobaldata.h"
+#include "jsonserver.h"
 #include "scriboradialog.h"
 #include "textfield.h"
 #include "ui_settingform.h"
@@ -8,7 +9,6 @@
 #include <QDebug>
 #include <QDesktopServices>
 #include <QEvent>
-#include <QSysInfo>
 #include <QUrl>
 
 namespace
@@ -25,12 +25,6 @@ QString driverVersionFromLabel(const QString &versionText)
     const int bracket = versionText.indexOf('(');
     const QString version = bracket < 0 ? versionText : versionText.left(bracket);
     return version.mid(version.indexOf(':') + 1);
-}
-
-QString systemText()
-{
-    return QSysInfo::prettyProductName() + " " + QSysInfo::currentCpuArchitecture() + " " +
-           QSysInfo::kernelVersion();
 }
 } // namespace
 
@@ -107,7 +101,7 @@ QString SettingForm::FeedbackUrl() const
            "&product_name=" + fieldText(device.ShowName) +
            "&firmware_version=" + fieldText(device.ICVersion) + "&drive_version=V" +
            m_DriverVersion + "&serial_number=" + fieldText(device.SerialNumber) +
-           "&system_version=" + systemText();
+           "&system_version=" + usageSystemText();
 }
 
 bool SettingForm::event(QEvent *event)
