@@ -3,22 +3,9 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-namespace
-{
-constexpr char kHeadEnd[] = "\r\n\r\n";
-
-int contentLength(const QByteArray &head)
-{
-    for (const QByteArray &line : head.split('\n')) {
-        if (line.toLower().startsWith("content-length:"))
-            return line.mid(15).trimmed().toInt();
-    }
-    return 0;
-}
-} // namespace
-
 LocalHttpServer::LocalHttpServer()
 {
+    answer(200, QByteArray());
     m_Server.listen(QHostAddress::LocalHost);
     connect(&m_Server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket *socket = m_Server.nextPendingConnection())
@@ -28,39 +15,33 @@ LocalHttpServer::LocalHttpServer()
 
 QUrl LocalHttpServer::url(const QString &path) const
 {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_Server.serverPort()).arg(path));
+    return QUrl(QString("http://127.0.0.1:%1%2").arg(m_Server.serverPort()).arg(path));
 }
 
 void LocalHttpServer::answer(int status, const QByteArray &body, int pauseMs)
 {
-    m_Status = status;
+    m_Head = "HTTP/1.1 " + QByteArray::number(status) + " X\r\nConnection: close\r\n" +
+             "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n";
     m_Body = body;
     m_PauseMs = pauseMs;
 }
 
-// Waits for the whole request, then answers and closes.
+// Answers once the whole request is in, then closes.
 void LocalHttpServer::serve(QTcpSocket *socket)
 {
     const QByteArray seen = socket->peek(socket->bytesAvailable());
-    const int headEnd = seen.indexOf(kHeadEnd);
-    if (headEnd < 0)
-        return;
-    const QByteArray head = seen.left(headEnd);
-    const int bodyStart = headEnd + int(sizeof(kHeadEnd)) - 1;
-    if (seen.size() < bodyStart + contentLength(head))
+    const int bodyStart = seen.indexOf("\r\n\r\n") + 4;
+    const QByteArray head = seen.left(bodyStart).toLower();
+    const int lengthAt = head.indexOf("content-length:");
+    const int length = lengthAt < 0 ? 0 : head.mid(lengthAt + 15).split('\r')[0].trimmed().toInt();
+    if (bodyStart < 4 || seen.size() < bodyStart + length)
         return;
     socket->readAll();
-    const QList<QByteArray> requestLine = head.left(head.indexOf('\r')).split(' ');
-    m_Requests.append(
-        {requestLine.value(0), requestLine.value(1), seen.mid(bodyStart, contentLength(head))});
-    socket->write("HTTP/1.1 " + QByteArray::number(m_Status) +
-                  " X\r\nContent-Type: application/json\r\nConnection: close\r\n"
-                  "Content-Length: " +
-                  QByteArray::number(m_Body.size()) + kHeadEnd);
+    const QList<QByteArray> request = seen.left(seen.indexOf('\r')).split(' ');
+    m_Requests.append({request.value(0), request.value(1), seen.mid(bodyStart, length)});
     const int half = m_PauseMs > 0 ? m_Body.size() / 2 : m_Body.size();
-    socket->write(m_Body.left(half));
-    const QByteArray rest = m_Body.mid(half);
-    QTimer::singleShot(m_PauseMs, socket, [socket, rest] {
+    socket->write(m_Head + m_Body.left(half));
+    QTimer::singleShot(m_PauseMs, socket, [socket, rest = m_Body.mid(half)] {
         socket->write(rest);
         socket->disconnectFromHost();
     });

@@ -1,28 +1,22 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QTcpServer>
 #include <QUrl>
 
-// An HTTP server on 127.0.0.1 only: every request gets the one scripted reply, and what
-// was asked is kept. It runs on the thread's event loop, so a client waiting in a local
-// loop on the same thread is served.
+// An HTTP server on 127.0.0.1 only, on the thread's event loop: every request gets the one
+// scripted answer, and what was asked is kept.
 class LocalHttpServer : public QObject
 {
 public:
     struct Request {
-        QByteArray method;
-        QByteArray path;
-        QByteArray body;
+        QByteArray method, path, body;
     };
 
     LocalHttpServer();
-
     QUrl url(const QString &path) const;
-    // The body goes out in two halves `pauseMs` apart, so that a client sees progress.
+    // With a pause, the body goes out in two halves that far apart, so a client sees progress.
     void answer(int status, const QByteArray &body, int pauseMs = 0);
-
     const QList<Request> &requests() const { return m_Requests; }
 
 private:
@@ -30,7 +24,7 @@ private:
 
     QTcpServer m_Server;
     QList<Request> m_Requests;
-    int m_Status = 200;
+    QByteArray m_Head;
     QByteArray m_Body;
     int m_PauseMs = 0;
 };
