@@ -73,7 +73,7 @@ void JsonServer::setCollectDataToServerOption(bool on)
 void JsonServer::startWorker()
 {
     if (!m_Thread) {
-        m_Thread = new QThread;
+        m_Thread = new QThread(this);
         m_Thread->setObjectName("JsonServer");
         m_Action->moveToThread(m_Thread);
         connect(m_Thread, &QThread::started, m_Action, &JsonServerAction::run);

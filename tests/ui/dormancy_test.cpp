@@ -4,7 +4,6 @@
 #include "fakeuinput.h"
 #include "mainwindow.h"
 #include "settingform.h"
-#include "threadnames.h"
 #include "updateserver.h"
 
 #include <QAbstractButton>
@@ -12,6 +11,7 @@
 #include <QMutex>
 #include <QSet>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 // Qt's hooks for tools that watch objects come and go.
@@ -36,8 +36,9 @@ void onObjectRemoved(QObject *object)
     objects.remove(object);
 }
 
-// The services' objects alive now, and anything that talks to the network.
-std::string liveServices()
+// The services' objects alive now, anything that talks to the network, and any thread that
+// was not there before but the device link's.
+std::string liveServices(const QSet<QObject *> &before = {})
 {
     static const QSet<QByteArray> services = {
         "JsonServer",     "JsonServerAction",      "UpdateServer",    "Updater",   "Download",
@@ -45,9 +46,13 @@ std::string liveServices()
     QMutexLocker locker(&objectsMutex);
     QStringList found;
     for (QObject *object : qAsConst(objects)) {
+        const QByteArray name = object->metaObject()->className();
+        if (qobject_cast<QThread *>(object) && !before.contains(object) && name != "DeviceThread" &&
+            name != "UsbListenThread")
+            found << name;
         for (const QMetaObject *type = object->metaObject(); type; type = type->superClass()) {
             if (services.contains(type->className()))
-                found << object->metaObject()->className();
+                found << name;
         }
     }
     return found.join(' ').toStdString();
@@ -60,23 +65,18 @@ protected:
     {
         DeviceFixture::SetUp();
         fakeuinput::start(m_Uinput.path().toStdString());
-        m_ThreadsBefore = threadNames();
+        QMutexLocker locker(&objectsMutex);
+        m_Before = objects;
     }
     void TearDown() override
     {
         fakeuinput::stop();
         DeviceFixture::TearDown();
     }
-    // Besides the device link's threads, nothing new may run; no file goes to "AppData",
-    // and no timer of the window counts usage.
+    // No file goes to "AppData", and no timer of the window counts usage.
     void expectDormant(const MainWindow *window, const char *after)
     {
-        EXPECT_EQ(liveServices(), "") << after;
-        QStringList threads = threadNames();
-        for (const QString &known :
-             m_ThreadsBefore + QStringList{"DeviceThread", "UsbListenThread"})
-            threads.removeAll(known);
-        EXPECT_EQ(threads.join(' ').toStdString(), "") << after;
+        EXPECT_EQ(liveServices(m_Before), "") << after;
         EXPECT_FALSE(QDir::home().exists("AppData")) << after;
         for (QTimer *timer : window ? window->findChildren<QTimer *>() : QList<QTimer *>())
             EXPECT_FALSE(
@@ -84,7 +84,7 @@ protected:
     }
 
     QTemporaryDir m_Uinput;
-    QStringList m_ThreadsBefore;
+    QSet<QObject *> m_Before;
 };
 
 TEST_F(Dormancy, TheShellStartsNoServiceNoConnectionNoFile)

@@ -7,8 +7,6 @@
 #include "textfield.h"
 
 #include <QAbstractButton>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 
 namespace
@@ -74,23 +72,6 @@ TEST_F(Usage, ShellEventsGoOutOnlyThroughAChannel)
     const int used = m_Server.m_Sent[0].section('"', 3, 3).toInt();
     EXPECT_TRUE(m_Server.m_Sent[0].startsWith("\"DriverUsedMsTime\":\""));
     EXPECT_TRUE(used > 4000 && used <= 5000) << used;
-}
-
-// The profile dump is well-formed, with the profile's values and every application.
-TEST_F(Usage, ProfileDumpIsWellFormedJson)
-{
-    m_Window.setJsonServer(&m_Server);
-    const QJsonObject dump =
-        QJsonDocument::fromJson(("{" + m_Window.GetTabletXmlDataToJson(0) + "}").toUtf8()).object();
-    const stTablet_XMLData &profile = *m_Window.currentTablet()->m_TabletXMLData;
-    EXPECT_EQ(dump["DeviceInfo"]["DeviceKeyNum"].toString(), QString::number(profile.DeviceKeyNum));
-    EXPECT_EQ(dump["CommonAPP"]["Pen0"]["P1X"].toString(),
-              QString::number(profile.CommonAPP.Pen[0].P1X));
-    int apps = 0;
-    for (const _stAppConfigNode *app = profile.stAppConfigPtr; app; app = app->next)
-        EXPECT_EQ(dump["Apps"][QString("app%1").arg(++apps)]["path"].toString(),
-                  fieldText(app->path));
-    EXPECT_EQ(dump["Apps"].toObject().size(), apps);
 }
 
 // Newer keeps the download address; with no update client there is never a red point.
