@@ -134,6 +134,7 @@ public slots:
     void onSendJsonDataToServer(QString message);
     void time_handler();
     void OnGetNewDriver(int code, QString version, QString downloadUrl, QString message);
+    void onDriverDownLoadFun();
 
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);

@@ -37,6 +37,8 @@ void MainWindow::createSettingForm()
     connect(m_SettingForm, &SettingForm::DisableTipMsg, this, &MainWindow::onCheckBoxDisableTipMsg);
     connect(m_SettingForm, &SettingForm::CollectDataChecked, this,
             &MainWindow::onChangeCollectDataOption);
+    connect(m_SettingForm, &SettingForm::onDriverDownbtnClicked, this,
+            &MainWindow::onDriverDownLoadFun);
 }
 
 void MainWindow::CloseSettingFormDevices()

@@ -3,6 +3,7 @@
 #include "mainwindow.h"
 
 #include "ctablet.h"
+#include "driverdownload.h"
 #include "textfield.h"
 #include "ui_mainwindow.h"
 #include "updateserver.h"
@@ -89,4 +90,12 @@ void MainWindow::CheckUpdateTQR4470C()
     settings.setValue("ICData", date);
     if (date < kFirstGoodFirmwareDate)
         qDebug() << "TQR4470C-C need update" << firmware;
+}
+
+// Parentless, so that it is a window of its own over whatever the user has open.
+void MainWindow::onDriverDownLoadFun()
+{
+    DriverDownLoad dialog;
+    dialog.SetDownloadUrl(m_DriverDownloadUrl);
+    dialog.exec();
 }

@@ -50,7 +50,6 @@ TEST(Updater, ReadsThePlatformEntryOfTheAppcast)
     EXPECT_EQ(updater.downloadUrl(), "http://x/scribora.deb");
     EXPECT_EQ(updater.changelog(), "Fixes");
     EXPECT_TRUE(updater.mandatoryUpdate());
-    EXPECT_EQ(server.requests().value(0).path, QByteArray("/appcast.json"));
 
     server.answer(200, appcast(R"(, "mandatory-update": false)"));
     updater.setModuleVersion("3.5.0");
@@ -58,12 +57,6 @@ TEST(Updater, ReadsThePlatformEntryOfTheAppcast)
     ASSERT_TRUE(finished.wait(5000));
     EXPECT_FALSE(updater.updateAvailable());
     EXPECT_FALSE(updater.mandatoryUpdate());
-
-    server.answer(500, appcast(""));
-    updater.setModuleVersion("1.0");
-    updater.checkForUpdates();
-    ASSERT_TRUE(finished.wait(5000));
-    EXPECT_FALSE(updater.updateAvailable());
 }
 
 } // namespace

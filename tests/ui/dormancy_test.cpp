@@ -14,31 +14,17 @@
 #include <QThread>
 #include <QTimer>
 
-// Qt's hooks for tools that watch objects come and go.
+// Qt's hooks for tools that watch objects come and go: 3 is a new object, 4 one gone.
 extern quintptr Q_DECL_IMPORT qtHookData[];
 
 namespace
 {
-constexpr int kHookAddObject = 3;
-constexpr int kHookRemoveObject = 4;
-
-// Every QObject alive, from any thread.
 QMutex objectsMutex;
 QSet<QObject *> objects;
-void onObjectAdded(QObject *object)
-{
-    QMutexLocker locker(&objectsMutex);
-    objects.insert(object);
-}
-void onObjectRemoved(QObject *object)
-{
-    QMutexLocker locker(&objectsMutex);
-    objects.remove(object);
-}
 
-// The services' objects alive now, anything that talks to the network, and any thread that
-// was not there before but the device link's.
-std::string liveServices(const QSet<QObject *> &before = {})
+// The services' objects, anything that talks to the network, and the threads that were not
+// there before but the device link's, as they are alive now.
+std::string liveServices(const QSet<QObject *> &before)
 {
     static const QSet<QByteArray> services = {
         "JsonServer",     "JsonServerAction",      "UpdateServer",    "Updater",   "Download",
@@ -50,30 +36,17 @@ std::string liveServices(const QSet<QObject *> &before = {})
         if (qobject_cast<QThread *>(object) && !before.contains(object) && name != "DeviceThread" &&
             name != "UsbListenThread")
             found << name;
-        for (const QMetaObject *type = object->metaObject(); type; type = type->superClass()) {
-            if (services.contains(type->className()))
-                found << name;
-        }
+        for (const QMetaObject *type = object->metaObject(); type; type = type->superClass())
+            found << (services.contains(type->className()) ? name : QByteArray());
     }
+    found.removeAll(QString());
     return found.join(' ').toStdString();
 }
 
 class Dormancy : public DeviceFixture
 {
 protected:
-    void SetUp() override
-    {
-        DeviceFixture::SetUp();
-        fakeuinput::start(m_Uinput.path().toStdString());
-        QMutexLocker locker(&objectsMutex);
-        m_Before = objects;
-    }
-    void TearDown() override
-    {
-        fakeuinput::stop();
-        DeviceFixture::TearDown();
-    }
-    // No file goes to "AppData", and no timer of the window counts usage.
+    // Nothing of the services alive, no file under "AppData", no timer counting usage.
     void expectDormant(const MainWindow *window, const char *after)
     {
         EXPECT_EQ(liveServices(m_Before), "") << after;
@@ -83,12 +56,13 @@ protected:
                 QObject::disconnect(timer, &QTimer::timeout, window, &MainWindow::time_handler));
     }
 
-    QTemporaryDir m_Uinput;
-    QSet<QObject *> m_Before;
+    QSet<QObject *> m_Before = objects;
 };
 
 TEST_F(Dormancy, TheShellStartsNoServiceNoConnectionNoFile)
 {
+    QTemporaryDir uinput;
+    fakeuinput::start(uinput.path().toStdString());
     auto window = std::make_unique<MainWindow>();
     fakeusb::addDevice(tablet("tab", 0x0B40, 1));
     ASSERT_EQ(window->Init(), 1);
@@ -109,16 +83,16 @@ TEST_F(Dormancy, TheShellStartsNoServiceNoConnectionNoFile)
     window->OnShowDriver();
     QTest::qWait(500);
     expectDormant(window.get(), "the shell's work");
-    EXPECT_TRUE(window->findChild<QWidget *>("LinkArtBtn")->isHidden());
     for (const char *entry : {"Setting_DriverDown", "SettingFormWidget2"})
         EXPECT_TRUE(window->settingForm()->findChild<QWidget *>(entry)->isHidden()) << entry;
     window->OnQuiqDriver();
     window.reset();
+    fakeuinput::stop();
     expectDormant(nullptr, "exit");
 
     // The watch sees a service once one exists.
     UpdateServer client(true, nullptr, QUrl("http://127.0.0.1:9"));
-    EXPECT_NE(liveServices(), "");
+    EXPECT_NE(liveServices(m_Before), "");
 }
 
 } // namespace
@@ -129,8 +103,14 @@ int main(int argc, char **argv)
     QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qtHookData[kHookAddObject] = reinterpret_cast<quintptr>(&onObjectAdded);
-    qtHookData[kHookRemoveObject] = reinterpret_cast<quintptr>(&onObjectRemoved);
+    qtHookData[3] = reinterpret_cast<quintptr>(+[](QObject *object) {
+        QMutexLocker locker(&objectsMutex);
+        objects.insert(object);
+    });
+    qtHookData[4] = reinterpret_cast<quintptr>(+[](QObject *object) {
+        QMutexLocker locker(&objectsMutex);
+        objects.remove(object);
+    });
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -24,9 +24,6 @@ protected:
     void SetUp() override
     {
         DeviceFixture::SetUp();
-        QFile config(UI_CASES_DIR "/shell_config.xml");
-        ASSERT_TRUE(config.open(QIODevice::ReadOnly));
-        writeConfig(QString::fromUtf8(config.readAll()));
         fakeusb::addDevice(tablet("tab", 0x0B40, 1));
         ASSERT_TRUE(m_Window.EnumDeviceLinux(0));
     }

@@ -1,7 +1,6 @@
 #include "batterywidget.h"
 #include "cases.h"
 #include "cglobaldata.h"
-#include "driverdownload.h"
 #include "jingximode.h"
 #include "mainwindow.h"
 #include "screencalibrate.h"
@@ -118,13 +117,6 @@ TEST(BatteryWidget, PicksTheSpriteRowOfTheCharge)
         EXPECT_EQ(widget.GetValue(), c[1].toInt()) << c[0].toStdString();
         EXPECT_EQ(widget.barStyle(), c.mid(2).join(' ')) << c[0].toStdString();
     }
-}
-
-TEST(DriverDownLoad, NamesTheFileAfterTheLastPieceOfTheAddress)
-{
-    EXPECT_EQ(DriverDownLoad::FileNameOf("https://dl.scribora.com/linux/scribora_3.5.deb"),
-              "scribora_3.5.deb");
-    EXPECT_EQ(DriverDownLoad::FileNameOf("scribora_3.5.deb"), "scribora_3.5.deb");
 }
 
 } // namespace
