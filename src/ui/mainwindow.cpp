@@ -41,6 +41,7 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     connectDevices();
     openConfiguration();
     ui->setupUi(this);
+    connectMappingPage();
     connectDesktopSignals();
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
@@ -190,6 +191,7 @@ void MainWindow::InitUI(const QString &deviceName)
         ui->listWidget_left->setFocusPolicy(Qt::NoFocus);
     }
     selectFirstPage(tablet);
+    showMappingPage(tablet);
     showModelPictures(tablet);
     showBattery(tablet);
 }

@@ -28,6 +28,8 @@ class SettingForm;
 class TrayMenu;
 class UpdateServer;
 class QTimer;
+class QButtonGroup;
+class QSpinBox;
 
 // The one top-level window. Its bodies live in files by area: mainwindow.cpp is the shell,
 // mainwindow_<area>.cpp the rest.
@@ -72,6 +74,9 @@ public:
                                    stTablet_XMLData *data);
     // Nothing in the program calls this; a test installs a channel to see what is composed.
     void setJsonServer(JsonServer *server);
+
+    // Mapping page: the work area that keeps a screen's shape, centred on the tablet.
+    static QRect ProportionalArea(QSize tablet, QSize screen);
 
     // Updates, dormant as well.
     static bool compareVersion(const QString &a, const QString &b);
@@ -129,12 +134,45 @@ public slots:
     void onCheckBoxDisableHotkey(bool disabled);
     void onCheckBoxDisableTipMsg(bool disabled);
 
+    // Mapping page
+    void on_comboBox_screen_currentIndexChanged(int index);
+    void on_spinBox_sx_valueChanged(int);
+    void on_spinBox_sy_valueChanged(int);
+    void on_spinBox_sw_valueChanged(int);
+    void on_spinBox_sh_valueChanged(int);
+    void on_spinBox_tx_valueChanged(int);
+    void on_spinBox_ty_valueChanged(int);
+    void on_spinBox_tw_valueChanged(int);
+    void on_spinBox_th_valueChanged(int);
+    void on_pushButton_fullscreen_clicked();
+    void on_pushButton_fullworkarea_clicked();
+    void on_pushButton_screenscal_clicked();
+    void on_pushButton_setscreenarea_clicked();
+    void on_pushButton_selectWorkArea_clicked();
+    void on_pushButton_showscreenid_clicked();
+    void on_pushButton_screencalibrate_clicked();
+    void onRotationButtonClicked(int id, bool fromUser = true);
+    void onSetAreaOk(short x, short y, short w, short h);
+    void onSetScreenValue(int x, int y, int w, int h);
+    void onSetTabletValue(int x, int y, int w, int h);
+    void on_SetScreenRect(QRect area);
+    void onResetWorkAreaDefaultSetting(bool withRotation);
+    void UpdateMapping(stTablet_XMLData *data);
+    void SetTabletArea(stTablet_XMLData *data);
+    void ChangeScreenForTablet(int tabletId);
+    void on_comboBox_rotate_currentIndexChanged(int index);
+    void onClearSpinBoxFocus();
+
     // Usage data and updates
     void onChangeCollectDataOption(bool on);
     void onSendJsonDataToServer(QString message);
     void time_handler();
     void OnGetNewDriver(int code, QString version, QString downloadUrl, QString message);
     void onDriverDownLoadFun();
+
+signals:
+    // Closes the page's dialogs when their tablet goes.
+    void HideDialog();
 
 private slots:
     void onActivated(QSystemTrayIcon::ActivationReason reason);
@@ -185,6 +223,29 @@ private:
     void createSettingForm();
     void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
 
+    // Mapping page
+    void connectMappingPage();
+    void fillScreenList();
+    void showMappingPage(CTablet *tablet);
+    void followDisplay(CTablet *tablet);
+    stTablet_XMLData *mappedProfile() const;
+    QSize tabletSize(int orientation) const;
+    QRect screenEntry(int index) const;
+    void selectScreen(int index);
+    void screenSpinChanged(bool horizontal, bool positionMoved, const char *event);
+    void workSpinChanged(bool horizontal, bool positionMoved, const char *event);
+    QRect spinScreenArea() const;
+    QRect spinWorkArea() const;
+    void storeScreenArea(const QRect &area);
+    void showWorkArea(const QRect &area);
+    void placeCalibrateButton(bool shown);
+    void placeDisplaySettingsButton();
+    bool storedAreaFits(const stTablet_XMLData &data) const;
+    void fallBackToPrimary(stTablet_XMLData &data);
+    void resetPenDisplayMapping();
+    void resetTabletMapping(bool withRotation);
+    void sendMappingEvent(const char *name, bool tabletSide, bool fromSpinBoxes = false);
+
     // Usage data: each composes only behind the null-pointer test.
     void sendUsage(const std::function<QString()> &compose);
     void sendUsageEvent(const char *name, const QString &value = "1", bool withTablet = false);
@@ -206,6 +267,7 @@ private:
     MyLrc *m_Tip = nullptr;
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
+    QButtonGroup *m_RotationGroup = nullptr;
     JsonServer *m_JsonServer = nullptr;
     QTimer *m_CollectTimer = nullptr;
     UpdateServer *m_UpdateServer = nullptr;

@@ -26,6 +26,14 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
     case kMsgShowDriver:
         OnShowDriver();
         break;
+    case kMsgScreenMapping:
+        // A remote moves every tablet on.
+        for (int slot = 0; slot < kTabletSlots; ++slot) {
+            const bool remote = tablet->m_DeviceAttributes.DeviceType == DeviceTypeRemote;
+            if (CGlobalData::TabletArray[slot] && (remote || slot == tabletId))
+                ChangeScreenForTablet(slot);
+        }
+        break;
     case kMsgPenEraser:
         if (tablet->m_DeviceAttributes.DeviceType == DeviceTypeRemote)
             SwitchOtherTablets(tabletId, msgData != 0);

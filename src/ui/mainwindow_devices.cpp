@@ -117,6 +117,8 @@ void MainWindow::ReceiveUsbMsg(unsigned short vid, unsigned short pid, short sta
 
 void MainWindow::onTabletLeaving(CTablet *tablet)
 {
+    if (tablet == m_CurrentTablet)
+        emit HideDialog();
     QObject::disconnect(tablet, nullptr, this, nullptr);
     QObject::disconnect(this, nullptr, tablet, nullptr);
 }

@@ -4,6 +4,8 @@
 #include "cglobaldata.h"
 #include "cscreeninfos.h"
 #include "ctablet.h"
+#include "mappingwidget.h"
+#include "ui_mainwindow.h"
 
 #include <QDebug>
 #include <QMutexLocker>
@@ -16,7 +18,7 @@ void MainWindow::onDeskScreenChanged(int)
     EnumDisplay(true);
 }
 
-void MainWindow::EnumDisplay(bool /*screensChanged*/)
+void MainWindow::EnumDisplay(bool screensChanged)
 {
     QRect screens[kScreenSlots];
     CGlobalData::PrimaryID = 0;
@@ -29,8 +31,9 @@ void MainWindow::EnumDisplay(bool /*screensChanged*/)
         screens[i + 1] = infos.GetScreenRect(i);
     std::copy(std::begin(screens), std::end(screens), std::begin(CGlobalData::ScreenArray));
     CGlobalData::ScreenNum = listed;
-    // The mapping page takes the flag and refills its screen list here once it exists.
+    ui->widget_devicemapping->updataScreen(screensChanged);
     qDebug() << "Function  EnumDisplay nScreenCount:" << count;
+    fillScreenList();
     EnumLogicDisplay();
 }
 
