@@ -77,6 +77,8 @@ public:
 
     // Mapping page: the work area that keeps a screen's shape, centred on the tablet.
     static QRect ProportionalArea(QSize tablet, QSize screen);
+    // The screen list from the screen table.
+    void fillScreenList();
 
     // Updates, dormant as well.
     static bool compareVersion(const QString &a, const QString &b);
@@ -225,7 +227,6 @@ private:
 
     // Mapping page
     void connectMappingPage();
-    void fillScreenList();
     void showMappingPage(CTablet *tablet);
     void followDisplay(CTablet *tablet);
     stTablet_XMLData *mappedProfile() const;
