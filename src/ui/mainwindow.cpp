@@ -6,6 +6,7 @@
 #include "ctablet.h"
 #include "cvtkeycode.h"
 #include "devicecommands.h"
+#include "jsonserver.h"
 #include "mylinux.h"
 #include "mylrc.h"
 #include "settingform.h"
@@ -394,11 +395,19 @@ void MainWindow::on_pushButton_ok_clicked()
 {
     if (!m_CurrentTablet)
         return;
-    sendUsageEvent("ConfirmButtonClicked", "1", true);
     for (CTablet *tablet : CGlobalData::TabletArray) {
         if (tablet)
             tablet->SaveXML();
     }
+    // The saved profiles ride along with the event.
+    sendUsage([this] {
+        QStringList event{JsonServer::GetJsonData("ConfirmButtonClicked", "1"),
+                          JsonServer::GetJsonData("tablet", currentTabletName())};
+        for (int slot = 0; slot < kTabletSlots; ++slot)
+            event << GetTabletXmlDataToJson(slot);
+        event.removeAll(QString());
+        return event.join(',');
+    });
     const QString saved = languageText("Information.101");
     if (!saved.isEmpty())
         CGlobalData::Show_Info->EmitInfo(saved);

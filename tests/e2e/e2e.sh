@@ -99,6 +99,16 @@ test_six_tablets() {
     events --app-clean scribora 5
 }
 
+# OK in the window saves the switch of the settings pop-up to the tablet's section
+test_window() {
+    boot window window.sh -- --device "$TABLET"
+    /usr/bin/python3 -c 'import sys, xml.etree.ElementTree as ET
+flags = [ET.parse(f).findtext("QTB0610/Common/DisablePressure") for f in sys.argv[1:]]
+print("%s: DisablePressure of QTB0610 went from %s to %s" % ("PASS" if flags == ["0", "1"] else "FAIL", *flags))
+sys.exit(flags != ["0", "1"])' "$BUILD/conf/config.xml" "$RUN/out/config.xml" || FAILED=1
+    events --app-clean scribora 5
+}
+
 "test_$1"
 echo "e2e_$1: $([ "$FAILED" = 0 ] && echo PASS || echo FAIL) (logs in $RUN)"
 exit "$FAILED"

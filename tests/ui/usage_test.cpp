@@ -7,6 +7,8 @@
 #include "textfield.h"
 
 #include <QAbstractButton>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 
 namespace
@@ -49,14 +51,25 @@ TEST_F(Usage, ShellEventsGoOutOnlyThroughAChannel)
     m_Window.OnQuiqDriver();
     const QString tablet =
         ",\"tablet\":\"" + fieldText(m_Window.currentTablet()->m_DeviceAttributes.ShowName) + "\"";
-    EXPECT_EQ(m_Server.m_Sent,
-              QStringList({"\"CheckBoxDisablePress\":\"1\"" + tablet,
-                           "\"CheckBoxDisableTipMsg\":\"1\"" + tablet,
-                           "\"CheckBoxDisableTipMsg\":\"0\"" + tablet,
-                           "\"CancelButtonClicked\":\"1\"" + tablet, "\"CloseBtnClicked\":\"1\"",
-                           "\"ConfirmButtonClicked\":\"1\"" + tablet,
-                           R"("tablet":"PID_0B40","DoKeyAction":{"KeyID":"3"})",
-                           "\"ExitDriver\":\"1\"", "\"ConfirmButtonClicked\":\"1\"" + tablet}));
+    const QStringList expected{"\"CheckBoxDisablePress\":\"1\"" + tablet,
+                               "\"CheckBoxDisableTipMsg\":\"1\"" + tablet,
+                               "\"CheckBoxDisableTipMsg\":\"0\"" + tablet,
+                               "\"CancelButtonClicked\":\"1\"" + tablet,
+                               "\"CloseBtnClicked\":\"1\"",
+                               "\"ConfirmButtonClicked\":\"1\"" + tablet + ",\"DeviceInfo\":{",
+                               R"("tablet":"PID_0B40","DoKeyAction":{"KeyID":"3"})",
+                               "\"ExitDriver\":\"1\"",
+                               "\"ConfirmButtonClicked\":\"1\"" + tablet + ",\"DeviceInfo\":{"};
+    ASSERT_EQ(m_Server.m_Sent.size(), expected.size()) << m_Server.m_Sent.join('\n').toStdString();
+    for (int i = 0; i < expected.size(); ++i)
+        EXPECT_TRUE(m_Server.m_Sent[i].startsWith(expected[i]))
+            << m_Server.m_Sent[i].left(200).toStdString();
+    // The saved profile goes along as one well-formed object.
+    const QString confirm = m_Server.m_Sent[5];
+    const QJsonObject profile = QJsonDocument::fromJson(("{" + confirm + "}").toUtf8()).object();
+    EXPECT_EQ(profile["DeviceInfo"]["DeviceKeyNum"].toString(),
+              QString::number(m_Window.currentTablet()->m_TabletXMLData->DeviceKeyNum));
+    EXPECT_TRUE(profile["CommonAPP"]["Pen0"].isObject() && profile["Apps"].isObject());
 
     // The used time runs from the last tick to the last pen activity, if there was any.
     m_Server.m_Sent.clear();

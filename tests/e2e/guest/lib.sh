@@ -7,11 +7,14 @@ SCRIBORA_CONF_DIR=/usr/lib/scribora/conf/norva
 SCRIBORA_PID=""
 # Cold starts over 9p under TCG take seconds; this only bounds a hang.
 E2E_WAIT_S="${E2E_START_TIMEOUT:-120}"
+SCRIBORA_QPA=offscreen
 status=0
 
 guest_log() { echo "guest: $*"; }
 probe() { /usr/bin/python3 "$E2E_GUEST_DIR/probe.py" "$@"; }
 emuctl() { probe emuctl "$@"; }
+# shellcheck source=SCRIPTDIR/x11.sh
+. "$E2E_GUEST_DIR/x11.sh"
 
 # scribora_install_conf BUILD_DIR: the configuration folder the build generated
 scribora_install_conf() {
@@ -19,11 +22,12 @@ scribora_install_conf() {
         cp "$1"/conf/{config.xml,name_config.ini,language.ini} "$SCRIBORA_CONF_DIR/"
 }
 
-# scribora_start BINARY: in the background, output in $E2E_OUT/scribora.log
+# scribora_start BINARY: in the background, output in $E2E_OUT/scribora.log; on the
+# X server when x11_start ran first
 scribora_start() {
     [ -x "$1" ] || { guest_log "scribora binary $1 not found"; return 1; }
     mkdir -p "$E2E_OUT"
-    export QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/tmp/runtime-root
+    export QT_QPA_PLATFORM="$SCRIBORA_QPA" XDG_RUNTIME_DIR=/tmp/runtime-root
     install -d -m 0700 "$XDG_RUNTIME_DIR"
     emuctl mark scribora-start >/dev/null || return 1
     "$1" > "$E2E_OUT/scribora.log" 2>&1 &

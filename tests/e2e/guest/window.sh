@@ -1,0 +1,26 @@
+#!/bin/bash
+# Guest side of e2e_window (README.md): window.sh SCRIBORA_BINARY BUILD_DIR
+# shellcheck source=SCRIPTDIR/lib.sh
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+config="$SCRIBORA_CONF_DIR/config.xml"
+
+scribora_install_conf "$2" && x11_start && scribora_start "$1" || exit 1
+reply="$(emuctl wait-out tab1 "$E2E_WAIT_S" 02b0)" || { guest_log "no start packet on tab1: $reply"; exit 1; }
+# The event loop answers, so the window shows the tablet it opened.
+probe ping-app 10 && x11_window_id || exit 1
+x11_screenshot window
+
+x11_click 854 44 # settingBtn
+expect "the settings pop-up opens" wait_for 30 x11_mapped 2
+x11_click 640 104 # its checkBox_pressure
+x11_screenshot settings
+# A click elsewhere takes the focus from the pop-up, which then hides.
+x11_click 300 40
+expect "the settings pop-up closes" wait_for 30 x11_mapped 1
+
+touch -d @946684800 "$config" /tmp/before-ok
+x11_click 778 573 # pushButton_ok
+expect "OK saves config.xml" wait_for 30 test "$config" -nt /tmp/before-ok
+cp "$config" "$E2E_OUT/config.xml"
+scribora_stop || status=1
+exit "$status"
