@@ -65,7 +65,7 @@ void MainWindow::connectMappingPage()
     m_RotationGroup->addButton(ui->radioButton_r90, 1);
     m_RotationGroup->addButton(ui->radioButton_r180, 2);
     m_RotationGroup->addButton(ui->radioButton_r270, 3);
-    connect(m_RotationGroup, QOverload<int>::of(&QButtonGroup::buttonClicked), this,
+    connect(m_RotationGroup, &QButtonGroup::idClicked, this,
             [this](int id) { onRotationButtonClicked(id, true); });
     connect(ui->widget_devicemapping, &mappingwidget::SetScreenValue, this,
             &MainWindow::onSetScreenValue);
@@ -397,14 +397,14 @@ void MainWindow::sendMappingEvent(const char *name, bool tabletSide, bool fromSp
         const stTablet_XMLData &data = mappedProfile() ? *mappedProfile() : empty;
         QStringList items;
         if (!tabletSide)
-            items = {item("SH", data.SH), item("SW", data.SW), item("SY", data.SY),
+            items = QStringList{item("SH", data.SH), item("SW", data.SW), item("SY", data.SY),
                      item("SX", data.SX), item("nScreenSelectIndex", data.ScreenId)};
         else if (fromSpinBoxes)
-            items = {item("nPannelH", data.TH), item("nPannelW", data.TW),
+            items = QStringList{item("nPannelH", data.TH), item("nPannelW", data.TW),
                      item("nPannelY", data.TY), item("nPannelX", data.TX),
                      item("nTabletOrientation", data.Orientation)};
         else
-            items = {item("TabletOrientation", data.Orientation), item("TX", data.TX),
+            items = QStringList{item("TabletOrientation", data.Orientation), item("TX", data.TX),
                      item("TY", data.TY), item("TW", data.TW), item("TH", data.TH)};
         return JsonServer::GetJsonDataSon(name, items.join(',')) + "," +
                JsonServer::GetJsonData("tablet", currentTabletName());

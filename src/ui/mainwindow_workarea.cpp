@@ -4,6 +4,7 @@
 #include "cglobaldata.h"
 #include "ctablet.h"
 #include "devicecommands.h"
+#include "jsonserver.h"
 #include "mappingwidget.h"
 #include "mylrc.h"
 #include "screencalibrate.h"
@@ -233,13 +234,14 @@ void MainWindow::on_pushButton_setscreenarea_clicked()
 {
     if (!m_CurrentTablet)
         return;
-    SelectAreaSettingDialog dialog;
+    SelectAreaSettingDialog dialog(this);
     connect(this, &MainWindow::HideDialog, &dialog, &QWidget::hide);
     dialog.SetSelectTabletType(false);
     int screens = CGlobalData::ScreenNum;
     dialog.InitScreenUI(m_CurrentTablet, CGlobalData::ScreenArray, CGlobalData::LogicScreenArray,
-                        screens, screenEntry(ui->comboBox_screen->currentIndex()));
+                        screens, screenEntry(ui->comboBox_screen->currentIndex()), nullptr);
     dialog.on_SetScreenRect(spinScreenArea());
+    dialog.ShowDialogInCenter();
     if (dialog.exec() == QDialog::Accepted)
         on_SetScreenRect(dialog.GetScreenRect());
 }
@@ -249,7 +251,7 @@ void MainWindow::on_pushButton_selectWorkArea_clicked()
     stTablet_XMLData *data = mappedProfile();
     if (!data)
         return;
-    SelectAreaSettingDialog dialog;
+    SelectAreaSettingDialog dialog(this);
     connect(this, &MainWindow::HideDialog, &dialog, &QWidget::hide);
     dialog.SetSelectTabletType(true);
     const QRect full(QPoint(0, 0), tabletSize(data->Orientation));
@@ -259,6 +261,7 @@ void MainWindow::on_pushButton_selectWorkArea_clicked()
                   data->Orientation);
     const QRect area = spinWorkArea();
     dialog.SetTabletValue(area.x(), area.y(), area.width(), area.height());
+    dialog.ShowDialogInCenter();
     if (dialog.exec() != QDialog::Accepted)
         return;
     const QRect chosen = dialog.GetWorkRect();

@@ -105,7 +105,9 @@ test_window() {
     /usr/bin/python3 -c 'import sys, xml.etree.ElementTree as ET
 flags = [ET.parse(f).findtext("QTB0610/Common/DisablePressure") for f in sys.argv[1:]]
 print("%s: DisablePressure of QTB0610 went from %s to %s" % ("PASS" if flags == ["0", "1"] else "FAIL", *flags))
-sys.exit(flags != ["0", "1"])' "$BUILD/conf/config.xml" "$RUN/out/config.xml" || FAILED=1
+area = [ET.parse(sys.argv[2]).findtext("QTB0610/Common/ScreenMapping/" + k) for k in ("SX", "SY", "SW", "SH")]
+print("%s: the screen area saved is %s" % ("PASS" if area == ["960", "0", "960", "1080"] else "FAIL", area))
+sys.exit(flags != ["0", "1"] or area != ["960", "0", "960", "1080"])' "$BUILD/conf/config.xml" "$RUN/out/config.xml" || FAILED=1
     events --app-clean scribora 5
 }
 

@@ -6,6 +6,7 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py emuctl WORD...         one control request, prints the reply
     probe.py node NAME TIMEOUT      prints /dev/input/eventN of the input device NAME
     probe.py stroke|plug|unplug|like NODE LOG, probe.py slots NODE LOG NAMES   a scenario; LOG gets the evdev events
+    probe.py corners NODE LOG X,Y,W,H   the tablet's corners at those of a screen area
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
@@ -452,7 +453,21 @@ def run_slots(ch, pen, names_path):
     check_drivers("slots full", {gone: "usbhid"})
 
 
-SCENARIOS = {"stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
+def run_corners(ch, pen, area):
+    """The tablet's far corners hover at the corners of the screen area AREA ("x,y,w,h" of
+    the 1920x1080 desktop); the pen space spans the desktop, 52324 x 29600."""
+    x, y, w, h = map(int, area.split(","))
+    for what, tx, ty, sx, sy in (("top left", 0, 0, x, y), ("bottom right", 52323, 29599, x + w, y + h)):
+        send(ch, pen_report(0xa0, tx, ty))
+        got = dict(((t, c), v) for t, c, v in pen.next_frame(FRAME_TIMEOUT_S) or ())
+        want = (sx * 52324 // 1920, sy * 29600 // 1080)
+        near = all(abs(got.get((EV_ABS, c), -999) - v) <= 30 for c, v in enumerate(want))
+        check(near, "the tablet's %s at the area's: ABS_X %s ABS_Y %s (want %d %d within 30)" % (
+            what, got.get((EV_ABS, 0)), got.get((EV_ABS, 1)), *want))
+    send(ch, pen_report(0xc0, 52323, 29599))
+
+
+SCENARIOS = {"corners": run_corners, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
 
 
 def main(argv):

@@ -18,6 +18,19 @@ x11_screenshot settings
 x11_click 300 40
 expect "the settings pop-up closes" wait_for 30 x11_mapped 1
 
+# The mapping page: the right half of the desktop, picked with two clicks in its dialog.
+x11_click 561 396 # pushButton_setscreenarea
+expect "the screen area dialog opens" wait_for 30 x11_mapped 2
+dialog="$(x11_windows | grep -v "^$X11_WINDOW\$" | head -n 1)"
+xdotool mousemove --window "$dialog" 104 315 click 1 # btn_selectscreenarea
+sleep 1
+xdotool mousemove 960 0 click 1 mousemove 1919 1079 click 1
+x11_screenshot screen-area
+xdotool mousemove --window "$dialog" 490 362 click 1 # its pushButton_ok
+expect "the screen area dialog closes" wait_for 30 x11_mapped 1
+x11_screenshot mapping
+pen_node && probe corners "$PEN_NODE" "$E2E_OUT/corners.events" 960,0,960,1080 || status=1
+
 touch -d @946684800 "$config" /tmp/before-ok
 x11_click 778 573 # pushButton_ok
 expect "OK saves config.xml" wait_for 30 test "$config" -nt /tmp/before-ok
