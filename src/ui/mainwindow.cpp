@@ -160,6 +160,15 @@ void MainWindow::InitLanguageUI()
     setLanguageText(ui->checkBox_hotkey, "Setting.item3");
     setLanguageText(ui->pushButton_import, "Setting.item4");
     setLanguageText(ui->pushButton_export, "Setting.item5");
+    setLanguageText(ui->pushButton_fullscreen, "Device.SetFullScreen");
+    setLanguageText(ui->pushButton_setscreenarea, "Device.ScreenArea");
+    setLanguageText(ui->pushButton_showscreenid, "Device.ScreenID");
+    setLanguageText(ui->pushButton_screencalibrate, "Device.Calibrate");
+    setLanguageText(ui->pushButton_fullworkarea, "Device.FullWorkArea");
+    setLanguageText(ui->pushButton_screenscal, "Device.ScreenScale");
+    setLanguageText(ui->pushButton_selectWorkArea, "WorkArea");
+    setLanguageText(ui->label_rotation, "Device.RotationSetting");
+    setLanguageText(ui->pushButton_device, "Common.item1");
 }
 
 int MainWindow::Init()

@@ -81,6 +81,13 @@ TEST_F(Mapping, ScreenAreaStaysOnItsScreenAndFallsBackToThePrimary)
     EXPECT_EQ(data().ScreenId, 2);
     EXPECT_EQ(screenArea(), QRect(1280, 0, 1024, 768));
     EXPECT_EQ(child<QComboBox>("comboBox_screen")->currentIndex(), 2);
+
+    // Cancel brings the stored mapping back, into the profile and the page: the whole
+    // desktop, since the stored area is empty.
+    m_Window.on_pushButton_cancel_clicked();
+    EXPECT_EQ(data().ScreenId, 0);
+    EXPECT_EQ(screenArea(), QRect(0, 0, 2304, 1080));
+    EXPECT_EQ(child<QSpinBox>("spinBox_sw")->value(), 2304);
 }
 
 // Message 2 maps the tablet to the next screen, whole, and round to the desktop.

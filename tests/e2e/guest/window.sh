@@ -8,6 +8,7 @@ scribora_install_conf "$2" && x11_start && scribora_start "$1" || exit 1
 reply="$(emuctl wait-out tab1 "$E2E_WAIT_S" 02b0)" || { guest_log "no start packet on tab1: $reply"; exit 1; }
 # The event loop answers, so the window shows the tablet it opened.
 probe ping-app 10 && x11_window_id || exit 1
+touch -d @946684800 "$config" /tmp/before-ok
 x11_screenshot window
 
 x11_click 854 44 # settingBtn
@@ -23,15 +24,18 @@ x11_click 561 396 # pushButton_setscreenarea
 expect "the screen area dialog opens" wait_for 30 x11_mapped 2
 dialog="$(x11_windows | grep -v "^$X11_WINDOW\$" | head -n 1)"
 xdotool mousemove --window "$dialog" 104 315 click 1 # btn_selectscreenarea
-sleep 1
+shown() { [ "$(xdotool search --onlyvisible --pid "$SCRIBORA_PID" | wc -l)" -ge "$1" ]; }
+expect "the two-click pick covers the desktop" wait_for 30 shown 3
 xdotool mousemove 960 0 click 1 mousemove 1919 1079 click 1
 x11_screenshot screen-area
 xdotool mousemove --window "$dialog" 490 362 click 1 # its pushButton_ok
 expect "the screen area dialog closes" wait_for 30 x11_mapped 1
 x11_screenshot mapping
+x11_click 307 345 # the Tablet tab of tabWidget_screen
 pen_node && probe corners "$PEN_NODE" "$E2E_OUT/corners.events" 960,0,960,1080 || status=1
 
-touch -d @946684800 "$config" /tmp/before-ok
+x11_screenshot mapping-tablet
+expect "nothing is saved before OK" test ! "$config" -nt /tmp/before-ok
 x11_click 778 573 # pushButton_ok
 expect "OK saves config.xml" wait_for 30 test "$config" -nt /tmp/before-ok
 cp "$config" "$E2E_OUT/config.xml"
