@@ -90,15 +90,23 @@ TEST_F(Mapping, ScreenAreaStaysOnItsScreenAndFallsBackToThePrimary)
     EXPECT_EQ(child<QSpinBox>("spinBox_sw")->value(), 2304);
 }
 
-// Message 2 maps the tablet to the next screen, whole, and round to the desktop.
+// Message 2 maps the tablet to the next screen, whole, and round to the desktop, with one,
+// two and three screens.
 TEST_F(Mapping, ScreenSwitchGoesRoundTheScreens)
 {
-    child<QComboBox>("comboBox_screen")->setCurrentIndex(0);
-    for (int expected : {1, 2, 0, 1}) {
-        m_Window.ReceivActionMsg(0, kMsgScreenMapping, 0);
-        EXPECT_EQ(data().ScreenId, expected);
-        EXPECT_EQ(screenArea(), CGlobalData::ScreenArray[expected]);
-        EXPECT_EQ(child<QComboBox>("comboBox_screen")->currentIndex(), expected);
+    const QList<QRect> screens{QRect(0, 0, 1280, 1024), QRect(1280, 0, 1920, 1080),
+                               QRect(3200, 0, 800, 600)};
+    for (int count = 1; count <= 3; ++count) {
+        setScreens(QList<QRect>{QRect(0, 0, 1280 + (count > 1) * 1920 + (count > 2) * 800, 1080)} +
+                   screens.mid(0, count));
+        child<QAbstractButton>("pushButton_fullscreen")->click();
+        for (int press = 1; press <= count + 2; ++press) {
+            const int expected = press % (count + 1);
+            m_Window.ReceivActionMsg(0, kMsgScreenMapping, 0);
+            EXPECT_EQ(data().ScreenId, expected) << count << " screens";
+            EXPECT_EQ(screenArea(), CGlobalData::ScreenArray[expected]);
+            EXPECT_EQ(child<QComboBox>("comboBox_screen")->currentIndex(), expected);
+        }
     }
 }
 
