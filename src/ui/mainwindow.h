@@ -231,6 +231,7 @@ private:
     void followDisplay(CTablet *tablet);
     stTablet_XMLData *mappedProfile() const;
     QSize tabletSize(int orientation) const;
+    static bool TouchModeOn(const stTablet_XMLData &data);
     QRect screenEntry(int index) const;
     void selectScreen(int index);
     void screenSpinChanged(bool horizontal, bool positionMoved, const char *event);

@@ -27,9 +27,15 @@ QString item(const char *key, int value)
     return JsonServer::GetJsonData(key, QString::number(value));
 }
 
-bool touchModeOn(const stTablet_XMLData &data)
+// The whole of a screen table entry becomes the mapped screen.
+void storeScreen(stTablet_XMLData &data, int index, const QRect &screen)
 {
-    return data.CommonAPP.Ring[1].type == 1 && data.CommonAPP.Ring[1].mode != 0;
+    QMutexLocker locker(&CGlobalData::XMLMutex);
+    data.ScreenId = index;
+    data.SX = screen.left();
+    data.SY = screen.top();
+    data.SW = screen.width();
+    data.SH = screen.height();
 }
 
 // Both spin boxes and their range, without a signal.
@@ -111,13 +117,7 @@ void MainWindow::followDisplay(CTablet *tablet)
     qDebug() << "m_displayContent.bFind && type==2";
     stTablet_XMLData *data = tablet->m_TabletXMLData;
     if (data->ScreenId != kReportedScreen && tablet->m_DefaultMappingPending) {
-        const QRect screen = screenEntry(kReportedScreen);
-        QMutexLocker locker(&CGlobalData::XMLMutex);
-        data->ScreenId = kReportedScreen;
-        data->SX = screen.left();
-        data->SY = screen.top();
-        data->SW = screen.width();
-        data->SH = screen.height();
+        storeScreen(*data, kReportedScreen, screenEntry(kReportedScreen));
         tablet->m_DefaultMappingPending = false;
     }
     if (data->Orientation != kReportedRotation) {
@@ -149,6 +149,12 @@ void MainWindow::fillScreenList()
                                          .arg(screen.width())
                                          .arg(screen.height()));
     }
+}
+
+// The touch strip works as a touch ring, so it follows the rotation.
+bool MainWindow::TouchModeOn(const stTablet_XMLData &data)
+{
+    return data.CommonAPP.Ring[1].type == 1 && data.CommonAPP.Ring[1].mode != 0;
 }
 
 stTablet_XMLData *MainWindow::mappedProfile() const
@@ -197,14 +203,7 @@ void MainWindow::selectScreen(int index)
     stTablet_XMLData *data = mappedProfile();
     if (!data)
         return;
-    {
-        QMutexLocker locker(&CGlobalData::XMLMutex);
-        data->ScreenId = index;
-        data->SX = screen.left();
-        data->SY = screen.top();
-        data->SW = screen.width();
-        data->SH = screen.height();
-    }
+    storeScreen(*data, index, screen);
     m_CurrentTablet->m_DefaultMappingPending = false;
     placeCalibrateButton(index != -1);
 }
@@ -308,7 +307,7 @@ void MainWindow::UpdateMapping(stTablet_XMLData *data)
         return;
     if (QAbstractButton *rotation = m_RotationGroup->button(data->Orientation))
         rotation->setChecked(true);
-    if (touchModeOn(*data))
+    if (TouchModeOn(*data))
         m_CurrentTablet->SentCmd(kCmdTouchStrip, kStripTouch, data->Orientation);
     if (data->ScreenId > CGlobalData::ScreenNum) {
         onResetWorkAreaDefaultSetting(true);
@@ -344,15 +343,7 @@ void MainWindow::fallBackToPrimary(stTablet_XMLData &data)
 {
     const int index =
         CGlobalData::ScreenNum >= 1 && data.ScreenId != 0 ? CGlobalData::PrimaryID : 0;
-    const QRect screen = screenEntry(index);
-    {
-        QMutexLocker locker(&CGlobalData::XMLMutex);
-        data.ScreenId = index;
-        data.SX = screen.left();
-        data.SY = screen.top();
-        data.SW = screen.width();
-        data.SH = screen.height();
-    }
+    storeScreen(data, index, screenEntry(index));
     m_CurrentTablet->m_DefaultMappingPending = false;
 }
 
@@ -377,15 +368,7 @@ void MainWindow::ChangeScreenForTablet(int tabletId)
     int next = data->ScreenId + 1;
     if (next < 0 || next > CGlobalData::ScreenNum)
         next = 0;
-    const QRect screen = screenEntry(next);
-    {
-        QMutexLocker locker(&CGlobalData::XMLMutex);
-        data->ScreenId = next;
-        data->SX = screen.left();
-        data->SY = screen.top();
-        data->SW = screen.width();
-        data->SH = screen.height();
-    }
+    storeScreen(*data, next, screenEntry(next));
     if (tablet == m_CurrentTablet)
         UpdateMapping(data);
 }
@@ -398,14 +381,14 @@ void MainWindow::sendMappingEvent(const char *name, bool tabletSide, bool fromSp
         QStringList items;
         if (!tabletSide)
             items = QStringList{item("SH", data.SH), item("SW", data.SW), item("SY", data.SY),
-                     item("SX", data.SX), item("nScreenSelectIndex", data.ScreenId)};
+                                item("SX", data.SX), item("nScreenSelectIndex", data.ScreenId)};
         else if (fromSpinBoxes)
             items = QStringList{item("nPannelH", data.TH), item("nPannelW", data.TW),
-                     item("nPannelY", data.TY), item("nPannelX", data.TX),
-                     item("nTabletOrientation", data.Orientation)};
+                                item("nPannelY", data.TY), item("nPannelX", data.TX),
+                                item("nTabletOrientation", data.Orientation)};
         else
             items = QStringList{item("TabletOrientation", data.Orientation), item("TX", data.TX),
-                     item("TY", data.TY), item("TW", data.TW), item("TH", data.TH)};
+                                item("TY", data.TY), item("TW", data.TW), item("TH", data.TH)};
         return JsonServer::GetJsonDataSon(name, items.join(',')) + "," +
                JsonServer::GetJsonData("tablet", currentTabletName());
     });

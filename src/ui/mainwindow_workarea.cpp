@@ -23,11 +23,6 @@ namespace
 // Where the tablet picture sits in the work area dialog.
 const QRect kDialogTabletPicture(QPoint(160, 25), QPoint(519, 214));
 
-bool touchModeOn(const stTablet_XMLData &data)
-{
-    return data.CommonAPP.Ring[1].type == 1 && data.CommonAPP.Ring[1].mode != 0;
-}
-
 void storeWorkArea(stTablet_XMLData *data, const QRect &area)
 {
     if (!data)
@@ -167,7 +162,7 @@ void MainWindow::onRotationButtonClicked(int id, bool)
     }
     SetTabletArea(data);
     ui->widget_devicemapping->SetTabletOrientation(id);
-    if (touchModeOn(*data))
+    if (TouchModeOn(*data))
         m_CurrentTablet->SentCmd(kCmdTouchStrip, kStripTouch, id);
     sendMappingEvent("RotationButtonClicked", true, true);
 }
