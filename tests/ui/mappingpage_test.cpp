@@ -74,7 +74,8 @@ TEST_F(Mapping, ScreenAreaStaysOnItsScreenAndFallsBackToThePrimary)
     child<QSpinBox>("spinBox_sx")->setValue(2000);
     EXPECT_EQ(screenArea(), QRect(2000, 0, 1200, 1080));
     child<QSpinBox>("spinBox_sw")->setValue(1800);
-    EXPECT_EQ(screenArea(), QRect(1400, 0, 1800, 1080));
+    child<QSpinBox>("spinBox_sy")->setValue(100);
+    EXPECT_EQ(screenArea(), QRect(1400, 100, 1800, 980));
 
     setScreens({QRect(0, 0, 2304, 1080), QRect(0, 0, 1280, 1024), QRect(1280, 0, 1024, 768)});
     m_Window.UpdateMapping(&data());
