@@ -44,6 +44,7 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     ui->setupUi(this);
     connectMappingPage();
     connectDesktopSignals();
+    InitKeyUI(0);
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
     OnTabItemClicked(0);
@@ -169,6 +170,10 @@ void MainWindow::InitLanguageUI()
     setLanguageText(ui->pushButton_selectWorkArea, "WorkArea");
     setLanguageText(ui->label_rotation, "Device.RotationSetting");
     setLanguageText(ui->pushButton_device, "Common.item1");
+    setLanguageText(ui->pushButton_hotkey, "Common.item1");
+    setLanguageText(ui->DefaultQRM07Button, "Common.item1");
+    setLanguageText(ui->HotkeyPushButton, "ShortcutKey.AllKey");
+    setLanguageText(ui->HotkeyPushButton_QRM07, "ShortcutKey.AllKey");
 }
 
 int MainWindow::Init()
@@ -203,6 +208,7 @@ void MainWindow::InitUI(const QString &deviceName)
     selectFirstPage(tablet);
     showMappingPage(tablet);
     showModelPictures(tablet);
+    InitKeyUI(tablet->m_TabletXMLData->DeviceKeyNum);
     showBattery(tablet);
 }
 

@@ -3,6 +3,7 @@
 #include "settingsrecords.h"
 
 #include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <QSystemTrayIcon>
 #include <QTime>
@@ -19,6 +20,10 @@ class CDeviceManager;
 class CTablet;
 class JingXiMode;
 class JsonServer;
+class HotKeyGroups;
+class KeyPreviewSwitch;
+class buttonListWidget;
+struct stKeyConfig;
 class MyLrc;
 class QLabel;
 class QListWidgetItem;
@@ -74,6 +79,9 @@ public:
                                    stTablet_XMLData *data);
     // Nothing in the program calls this; a test installs a channel to see what is composed.
     void setJsonServer(JsonServer *server);
+
+    // Key page: the boxes of `count` keys of the current tablet; 0 from the constructor.
+    void InitKeyUI(int count);
 
     // Mapping page: the work area that keeps a screen's shape, centred on the tablet.
     static QRect ProportionalArea(QSize tablet, QSize screen);
@@ -165,6 +173,16 @@ public slots:
     void on_comboBox_rotate_currentIndexChanged(int index);
     void onClearSpinBoxFocus();
 
+    // Key page
+    void ComboBoxKeyActivated(int key);
+    void SelectM07HotKeyGroup(int group);
+    void onSelectHotKeyItem(int group, bool on, int unused);
+    void onSelectAppHotKeyItem(int group, bool on, int unused, _stAppConfigNode *record);
+    void on_HotkeyPushButton_clicked();
+    void on_HotkeyPushButton_QRM07_clicked();
+    void on_DefaultQRM07Button_clicked();
+    void onResetHotkeyDefaultSetting();
+
     // Usage data and updates
     void onChangeCollectDataOption(bool on);
     void onSendJsonDataToServer(QString message);
@@ -225,6 +243,15 @@ private:
     void createSettingForm();
     void storeFlag(const char *name, int16_t stTablet_XMLData::*flag, bool value);
 
+    // Key page
+    void createKeyPages();
+    stKeyConfig *editedKey(int key) const;
+    void openAllKeys(bool grouped);
+    void onKeyGroupMessage(CTablet *tablet, const QString &app);
+    void onKeyPreviewMessage(CTablet *tablet, const QString &app);
+    _stAppConfigNode *appRecord(CTablet *tablet, const QString &app) const;
+    void closeKeyPreviewOf(CTablet *tablet);
+
     // Mapping page
     void connectMappingPage();
     void showMappingPage(CTablet *tablet);
@@ -270,6 +297,10 @@ private:
     bool m_TrayReady = false;
     bool m_StartedMinimised = false;
     QButtonGroup *m_RotationGroup = nullptr;
+    buttonListWidget *m_KeyLists[2] = {};
+    HotKeyGroups *m_KeyGroups = nullptr;
+    KeyPreviewSwitch *m_KeyPreview = nullptr;
+    QPointer<CTablet> m_KeyPreviewTablet;
     JsonServer *m_JsonServer = nullptr;
     QTimer *m_CollectTimer = nullptr;
     UpdateServer *m_UpdateServer = nullptr;

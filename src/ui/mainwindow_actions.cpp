@@ -60,7 +60,11 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, QString text)
 {
     if (tabletId < 0 || tabletId >= kTabletSlots || !CGlobalData::TabletArray[tabletId])
         return;
-    const CTablet *tablet = CGlobalData::TabletArray[tabletId];
+    CTablet *tablet = CGlobalData::TabletArray[tabletId];
+    if (msgId == kMsgKeyGroup)
+        onKeyGroupMessage(tablet, text);
+    else if (msgId == kMsgKeyPreview)
+        onKeyPreviewMessage(tablet, text);
     if (msgId == kMsgUsage) {
         sendUsage([&] {
             return JsonServer::GetJsonData("tablet",

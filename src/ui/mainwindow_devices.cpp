@@ -119,6 +119,7 @@ void MainWindow::onTabletLeaving(CTablet *tablet)
 {
     if (tablet == m_CurrentTablet)
         emit HideDialog();
+    closeKeyPreviewOf(tablet);
     QObject::disconnect(tablet, nullptr, this, nullptr);
     QObject::disconnect(this, nullptr, tablet, nullptr);
 }
