@@ -111,6 +111,16 @@ sys.exit(flags != ["0", "1"] or area != ["960", "0", "960", "1080"])' "$BUILD/co
     events --app-clean scribora 5
 }
 
+test_keys() {
+    boot keys keys.sh -- --device "$TABLET"
+    /usr/bin/python3 -c 'import sys, xml.etree.ElementTree as ET
+key = ET.parse(sys.argv[1]).find("QTB0610/CommonAPP/K/K1")
+ok = key is not None and key.get("id") == "1" and (key.text or "").startswith("1|")
+print("%s: key 1 saved as a custom function: %s" % ("PASS" if ok else "FAIL", None if key is None else (key.attrib, key.text)))
+sys.exit(not ok)' "$RUN/out/config.xml" || FAILED=1
+    events --app-clean scribora 5
+}
+
 "test_$1"
 echo "e2e_$1: $([ "$FAILED" = 0 ] && echo PASS || echo FAIL) (logs in $RUN)"
 exit "$FAILED"

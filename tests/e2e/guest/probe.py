@@ -7,6 +7,7 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py node NAME TIMEOUT      prints /dev/input/eventN of the input device NAME
     probe.py stroke|plug|unplug|like NODE LOG, probe.py slots NODE LOG NAMES   a scenario; LOG gets the evdev events
     probe.py corners NODE LOG X,Y,W,H   the tablet's corners at those of a screen area
+    probe.py key NODE LOG CODES         key 1 gives exactly the key codes CODES down and up
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
@@ -468,7 +469,22 @@ def run_corners(ch, pen, area):
     send(ch, pen_report(0xc0, 0, 0))
 
 
-SCENARIOS = {"corners": run_corners, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
+def run_key(ch, keys, codes):
+    """Key 1 of tab1 pressed and let go gives exactly the keys CODES ("29,42,44") on the
+    keyboard device KEYS: each down, then each up."""
+    want = sorted(map(int, codes.split(",")))
+    for state in ("01", "00"):
+        send(ch, "02f0" + state + "00" * 61)
+    got = [(c, v) for t, c, v in keys.all_events(3.0) if t == EV_KEY]
+    downs = sorted(c for c, v in got if v == 1)
+    ups = sorted(c for c, v in got if v == 0)
+    last_down = max((n for n, (c, v) in enumerate(got) if v == 1), default=-1)
+    first_up = min((n for n, (c, v) in enumerate(got) if v == 0), default=len(got))
+    check(downs == want and ups == want and last_down < first_up,
+          "key 1 gives %s down, then up (got %s)" % (want, got))
+
+
+SCENARIOS = {"corners": run_corners, "key": run_key, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
 
 
 def main(argv):
