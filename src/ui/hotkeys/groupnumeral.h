@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <iterator>
+
 // Key groups 0 to 3 are named I to IV.
 inline QString groupNumeral(int group)
 {
