@@ -91,7 +91,7 @@ void MainWindow::ComboBoxKeyActivated(int key)
     if (!target || key >= slots.size())
         return;
     slots[key].Activate(*target, [this, settings](QString &func) {
-        return EditCustomKeyFunction(this, *settings, productIdOf(*settings), func);
+        return EditCustomKeyFunction(this, *settings, productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)), func);
     });
     sendUsage([&] {
         return keyActivatedEvent(*target, fieldText(settings->CommonAPP.path), currentTabletName());
@@ -149,7 +149,7 @@ void MainWindow::openAllKeys(bool grouped)
     connect(this, &MainWindow::HideDialog, &dialog, &QWidget::close);
     connect(&dialog, &HotkeySettingDialog::SendJsonDataToServer, this,
             &MainWindow::onSendJsonDataToServer);
-    dialog.initWidget(settings->DeviceKeyNum, productIdOf(*settings));
+    dialog.initWidget(settings->DeviceKeyNum, productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)));
     const int group = m_KeyGroups->CurrentGroup();
     if (grouped)
         dialog.SetCurUISelectID(group);

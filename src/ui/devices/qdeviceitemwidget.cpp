@@ -1,22 +1,22 @@
 #include "qdeviceitemwidget.h"
 
-#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QToolButton>
+#include <QVariant>
 
 namespace
 {
 const char *const kDefaultPicture = ":/image/Res/device.png";
-}
+const char *const kSelectIndex = "select_index";
+} // namespace
 
 QDeviceItemWidget::QDeviceItemWidget(QWidget *parent)
-    : QWidget(parent), m_Layout(new QHBoxLayout(this)), m_Buttons(new QButtonGroup(this))
+    : QWidget(parent), m_Layout(new QHBoxLayout(this)), m_Group(new QButtonGroup(this))
 {
     m_Layout->setContentsMargins(0, 0, 0, 0);
     m_Layout->addStretch();
-    connect(m_Buttons, &QButtonGroup::idClicked, this, &QDeviceItemWidget::select);
 }
 
 bool QDeviceItemWidget::addItem(const QString &name, const QString &picture)
@@ -30,8 +30,11 @@ bool QDeviceItemWidget::addItem(const QString &name, const QString &picture)
     button->setText(name);
     button->setIcon(QIcon(QFileInfo::exists(picture) ? picture : kDefaultPicture));
     button->setIconSize(QSize(40, 28));
+    button->setProperty(kSelectIndex, m_Names.size());
+    connect(button, &QToolButton::clicked, this, &QDeviceItemWidget::onToolClick);
     m_Layout->insertWidget(m_Names.size(), button);
-    m_Buttons->addButton(button, m_Names.size());
+    m_Group->addButton(button);
+    m_Buttons.append(button);
     m_Names.append(name);
     if (m_Current < 0)
         select(0);
@@ -42,16 +45,10 @@ void QDeviceItemWidget::removeItem(int index)
 {
     if (index < 0 || index >= m_Names.size())
         return;
-    QAbstractButton *button = m_Buttons->button(index);
-    m_Buttons->removeButton(button);
-    delete button;
+    delete m_Buttons.takeAt(index);
     m_Names.removeAt(index);
-    const QList<QAbstractButton *> buttons = m_Buttons->buttons();
-    for (QAbstractButton *remaining : buttons) {
-        const int id = m_Buttons->id(remaining);
-        if (id > index)
-            m_Buttons->setId(remaining, id - 1);
-    }
+    for (int i = index; i < m_Buttons.size(); ++i)
+        m_Buttons[i]->setProperty(kSelectIndex, i);
     // Another device's entry going leaves the selection where it is.
     if (index < m_Current) {
         --m_Current;
@@ -74,10 +71,21 @@ QString QDeviceItemWidget::currentText() const
     return m_Current >= 0 ? m_Names.value(m_Current) : QString();
 }
 
+void QDeviceItemWidget::onToolClick()
+{
+    if (QObject *button = sender())
+        select(button->property(kSelectIndex).toInt());
+}
+
+void QDeviceItemWidget::doSetDeviceNameImage(int index)
+{
+    if (index >= 0 && index < m_Buttons.size())
+        m_Buttons[index]->setChecked(true);
+}
+
 void QDeviceItemWidget::select(int index)
 {
-    if (QAbstractButton *button = m_Buttons->button(index))
-        button->setChecked(true);
+    doSetDeviceNameImage(index);
     if (index == m_Current)
         return;
     m_Current = index;

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 #include <QWidget>
 
 class QButtonGroup;
 class QHBoxLayout;
+class QToolButton;
 
-// The strip of connected devices: one button each, at most five.
+// The strip of connected devices: one button each, at most five. Each button carries its
+// place in the strip as the property "select_index".
 class QDeviceItemWidget : public QWidget
 {
     Q_OBJECT
@@ -26,11 +29,17 @@ public:
 signals:
     void onSelectAppItem(QString name, int index);
 
+private slots:
+    void onToolClick();
+
 private:
     void select(int index);
+    // Shows the entry at `index` as the selected one.
+    void doSetDeviceNameImage(int index);
 
     QHBoxLayout *m_Layout;
-    QButtonGroup *m_Buttons;
+    QButtonGroup *m_Group;
+    QList<QToolButton *> m_Buttons;
     QStringList m_Names;
     int m_Current = -1;
 };
