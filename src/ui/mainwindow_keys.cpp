@@ -59,7 +59,6 @@ void MainWindow::InitKeyUI(int count)
     const bool grouped = settings->SupportGroupKeys != 0;
     buttonListWidget *list = m_KeyLists[grouped ? 1 : 0];
     list->setHotkeyCount(count);
-    (grouped ? ui->scrollArea_keypad : ui->scrollArea_key)->setWidget(list);
     if (!grouped)
         ui->HotkeyPushButton->setVisible(count > buttonListWidget::kShownKeys);
     m_KeyGroups->SetRecord(grouped ? &settings->CommonAPP : nullptr, settings);
@@ -87,11 +86,13 @@ void MainWindow::ComboBoxKeyActivated(int key)
     qDebug() << "Function  ComboBoxKeyActivated:" << key;
     stKeyConfig *target = editedKey(key);
     stTablet_XMLData *settings = mappedProfile();
-    const QVector<KeySlot> &slots = m_KeyLists[settings && settings->SupportGroupKeys]->keySlots();
-    if (!target || key >= slots.size())
+    const QVector<KeySlot> &boxes = m_KeyLists[settings && settings->SupportGroupKeys]->keySlots();
+    if (!target || key >= boxes.size())
         return;
-    slots[key].Activate(*target, [this, settings](QString &func) {
-        return EditCustomKeyFunction(this, *settings, productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)), func);
+    boxes[key].Activate(*target, [this, settings](QString &func) {
+        return EditCustomKeyFunction(
+            this, *settings, productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)),
+            func);
     });
     sendUsage([&] {
         return keyActivatedEvent(*target, fieldText(settings->CommonAPP.path), currentTabletName());
@@ -103,9 +104,9 @@ void MainWindow::onResetHotkeyDefaultSetting()
     stTablet_XMLData *settings = mappedProfile();
     if (!settings || settings->DeviceKeyNum <= 0)
         return;
-    const QVector<KeySlot> &slots = m_KeyLists[0]->keySlots();
-    for (int key = 0; key < slots.size(); ++key)
-        slots[key].Reset(settings->CommonAPP.Key[key]);
+    const QVector<KeySlot> &boxes = m_KeyLists[0]->keySlots();
+    for (int key = 0; key < boxes.size(); ++key)
+        boxes[key].Reset(settings->CommonAPP.Key[key]);
     sendUsage([&] {
         return JsonServer::GetJsonDataSon(
                    "ResetHotkeySetting",
@@ -149,7 +150,8 @@ void MainWindow::openAllKeys(bool grouped)
     connect(this, &MainWindow::HideDialog, &dialog, &QWidget::close);
     connect(&dialog, &HotkeySettingDialog::SendJsonDataToServer, this,
             &MainWindow::onSendJsonDataToServer);
-    dialog.initWidget(settings->DeviceKeyNum, productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)));
+    dialog.initWidget(settings->DeviceKeyNum,
+                      productIdOf(fieldText(m_CurrentTablet->m_DeviceAttributes.PidString)));
     const int group = m_KeyGroups->CurrentGroup();
     if (grouped)
         dialog.SetCurUISelectID(group);

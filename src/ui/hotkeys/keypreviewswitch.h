@@ -1,12 +1,11 @@
 #pragma once
 
+#include "keypreviewwindow.h"
 #include "settingsrecords.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QRect>
-
-class KeyPreviewWindow;
 
 // The keypad preview as the device's preview key drives it: one press shows it, the next
 // takes it away. The window calls Toggle on the key's message and Refresh on a group change.

@@ -11,13 +11,13 @@ touch -d @946684800 "$config" /tmp/before-ok
 
 # Key 1 on the key page: its "Custom" entry opens the editor, which captures Ctrl+Shift+Z.
 x11_click 94 200 # "Express Keys" in the page list
-x11_click KEY1_X KEY1_Y # key 1's box
+x11_click 303 315 # key 1's box
 x11_keys Down Return
 expect "the key function editor opens" wait_for 30 x11_mapped 2
 editor="$(x11_windows | grep -v "^$X11_WINDOW\$" | head -n 1)"
 x11_keys ctrl+shift+z
 x11_screenshot editor
-xdotool mousemove --window "$editor" EDITOR_OK_X EDITOR_OK_Y click 1 # hotkeywin_ok_button
+xdotool mousemove --window "$editor" 705 673 click 1 # hotkeywin_ok_button
 expect "the key function editor closes" wait_for 30 x11_mapped 1
 x11_screenshot keys
 
