@@ -21,10 +21,12 @@
 
 namespace
 {
+// The page shows through the list's empty parts.
 void putListInto(QScrollArea *area, buttonListWidget *list)
 {
     area->setWidget(list);
-    area->setStyleSheet("background: transparent;");
+    area->viewport()->setAutoFillBackground(false);
+    list->setAutoFillBackground(false);
 }
 } // namespace
 
