@@ -2,13 +2,7 @@
 # Guest side of e2e_window (README.md): window.sh SCRIBORA_BINARY BUILD_DIR
 # shellcheck source=SCRIPTDIR/lib.sh
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
-config="$SCRIBORA_CONF_DIR/config.xml"
-
-scribora_install_conf "$2" && x11_start && scribora_start "$1" || exit 1
-reply="$(emuctl wait-out tab1 "$E2E_WAIT_S" 02b0)" || { guest_log "no start packet on tab1: $reply"; exit 1; }
-# The event loop answers, so the window shows the tablet it opened.
-probe ping-app 10 && x11_window_id || exit 1
-touch -d @946684800 "$config" /tmp/before-ok
+x11_driver_up "$1" "$2" || exit 1
 x11_screenshot window
 
 x11_click 854 44 # settingBtn
@@ -35,9 +29,6 @@ x11_click 307 345 # the Tablet tab of tabWidget_screen
 pen_node && probe corners "$PEN_NODE" "$E2E_OUT/corners.events" 960,0,960,1080 || status=1
 
 x11_screenshot mapping-tablet
-expect "nothing is saved before OK" test ! "$config" -nt /tmp/before-ok
-x11_click 778 573 # pushButton_ok
-expect "OK saves config.xml" wait_for 30 test "$config" -nt /tmp/before-ok
-cp "$config" "$E2E_OUT/config.xml"
+x11_ok_saves
 scribora_stop || status=1
 exit "$status"

@@ -46,3 +46,23 @@ x11_type() { xdotool type --delay 50 "$1"; }
 
 # x11_screenshot NAME: the screen as NAME.png in the run dir
 x11_screenshot() { xwdtopnm -quiet "$X11_FB/Xvfb_screen0" | pnmtopng -quiet > "${E2E_OUT%/*}/$1.png"; }
+
+# x11_driver_up BINARY BUILD_DIR: the driver on Xvfb with tab1 opened and its window mapped;
+# config.xml is dated back, so that x11_ok_saves can tell a save
+x11_driver_up() {
+    scribora_install_conf "$2" && x11_start && scribora_start "$1" || return 1
+    local reply
+    reply="$(emuctl wait-out tab1 "$E2E_WAIT_S" 02b0)" || { guest_log "no start packet on tab1: $reply"; return 1; }
+    # The event loop answers, so the window shows the tablet it opened.
+    probe ping-app 10 && x11_window_id || return 1
+    touch -d @946684800 "$SCRIBORA_CONF_DIR/config.xml" /tmp/before-ok
+}
+
+# x11_ok_saves: nothing saved so far; pushButton_ok saves config.xml, copied to the run dir
+x11_ok_saves() {
+    local config="$SCRIBORA_CONF_DIR/config.xml"
+    expect "nothing is saved before OK" test ! "$config" -nt /tmp/before-ok
+    x11_click 778 573 # pushButton_ok
+    expect "OK saves config.xml" wait_for 30 test "$config" -nt /tmp/before-ok
+    cp "$config" "$E2E_OUT/config.xml"
+}
