@@ -1,12 +1,13 @@
 #include "hotkeywin.h"
 
+#include "functionnamevalidator.h"
+#include "keysequencefield.h"
 #include "languagetexts.h"
 #include "ui_hotkeywin.h"
 
 #include <QButtonGroup>
 #include <QDebug>
 #include <QFileDialog>
-#include <QRegExpValidator>
 #include <utility>
 
 namespace
@@ -33,24 +34,6 @@ QByteArray actionKey(int action)
     return "Actions." + QByteArray::number(action);
 }
 
-// "|" separates the fields of a function string, so a name must not hold one: typed, it is
-// refused; pasted or set, it is dropped.
-class FunctionNameValidator : public QRegExpValidator
-{
-public:
-    explicit FunctionNameValidator(QObject *parent)
-        : QRegExpValidator(QRegExp(QStringLiteral("[^\\|]+$")), parent)
-    {
-    }
-
-    State validate(QString &input, int &pos) const override
-    {
-        pos -= input.leftRef(pos).count(QLatin1Char('|'));
-        input.remove(QLatin1Char('|'));
-        return QRegExpValidator::validate(input, pos);
-    }
-};
-
 } // namespace
 
 HotKeyWin::HotKeyWin(QWidget *parent)
@@ -62,8 +45,8 @@ HotKeyWin::HotKeyWin(QWidget *parent)
     SetQGraphicsDropShadowEffect(ui->main_frame);
     InitButtonGroups();
     ui->gridLayout_system->setAlignment(Qt::AlignTop);
-    ui->lineEdit_keys->installEventFilter(this);
-    ui->lineEdit_keys->setAttribute(Qt::WA_InputMethodEnabled, false);
+    m_keys = new KeySequenceField(ui->lineEdit_keys);
+    connect(m_keys, &KeySequenceField::changed, this, &HotKeyWin::UpdateFunctionNameShow);
     ui->lineEdit_name->setValidator(new FunctionNameValidator(ui->lineEdit_name));
     connect(ui->pushButton_delete, &QPushButton::clicked, this, &HotKeyWin::BtnClickDeleteFuc);
     connect(ui->pushButton_clear, &QPushButton::clicked, this, &HotKeyWin::BtnClickClearFuc);
@@ -162,10 +145,7 @@ void HotKeyWin::LoadCustomQString(QString str)
     const QString form = fields.first();
     if (fields.size() == 4 && form == QLatin1String("1")) {
         m_modeGroup->button(kModeKeyboard)->setChecked(true);
-        ui->lineEdit_keys->setText(fields[2]);
-        m_keyScanCodes = fields[3];
-        m_keyNum = m_keyScanCodes.isEmpty() ? 0 : m_keyScanCodes.count(QLatin1Char(',')) + 1;
-        ui->lineEdit_keys->end(false);
+        m_keys->Load(fields[2], fields[3]);
         ui->lineEdit_keys->setFocus();
     } else if (fields.size() == 3 && form == QLatin1String("0")) {
         m_modeGroup->button(kModeMouse)->setChecked(true);
@@ -222,8 +202,7 @@ QString HotKeyWin::GetData(QString &out)
         break;
     }
     default:
-        out =
-            QLatin1Char('1') + head + ui->lineEdit_keys->text() + QLatin1Char('|') + m_keyScanCodes;
+        out = QLatin1Char('1') + head + m_keys->keys() + QLatin1Char('|') + m_keys->tokens();
         break;
     }
     return name;
@@ -329,6 +308,37 @@ void HotKeyWin::arrangeFunctions()
         ui->gridLayout_system->addWidget(radio, cell / kFunctionColumns, cell % kFunctionColumns);
         ++cell;
     }
+}
+
+// The key field does the capture; the buttons and the Super key's window hand it entries.
+void HotKeyWin::AddKeyboardString(QString text, bool held)
+{
+    m_keys->AddKeyboardString(text, held);
+}
+
+void HotKeyWin::BtnClickClearFuc()
+{
+    m_keys->Clear();
+}
+
+void HotKeyWin::BtnClickDeleteFuc()
+{
+    m_keys->DeleteLast();
+}
+
+void HotKeyWin::on_pushButton_super_clicked()
+{
+    m_keys->OpenSuperKeyForm();
+}
+
+void HotKeyWin::onGetInputKeyFormString(QString title, QString codes)
+{
+    m_keys->onGetInputKeyFormString(title, codes);
+}
+
+void HotKeyWin::onCloseInputKeyForm()
+{
+    m_keys->onCloseInputKeyForm();
 }
 
 void HotKeyWin::BtnSelectFile()

@@ -2,12 +2,10 @@
 
 #include "scriboradialog.h"
 
-#include <QPointer>
 #include <QString>
 
-class InputKeyForm;
+class KeySequenceField;
 class QButtonGroup;
-class QKeyEvent;
 
 namespace Ui
 {
@@ -49,17 +47,10 @@ private slots:
     void on_CloseButton_clicked();
     void on_pushButton_super_clicked();
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     void InitLanguageUI();
     void InitButtonGroups();
     void setMode(int mode);
-    void keyPressed(const QKeyEvent &event);
-    void keyReleased(const QKeyEvent &event);
-    QString openCombination() const;
-    void appendToken(const QString &token, bool held);
     QString generatedName() const;
     QString mouseAndModifierNames() const;
     QString mouseAndModifierIds() const;
@@ -72,9 +63,6 @@ private:
     QButtonGroup *m_functionGroup;
     QButtonGroup *m_modifierGroup;
     QButtonGroup *m_mouseGroup;
-    QPointer<InputKeyForm> m_inputKeyForm;
-    QString m_keyScanCodes;
-    int m_keyNum = 0;
-    bool m_keyHeld = false;
+    KeySequenceField *m_keys = nullptr;
     bool m_ringFunctions = false;
 };

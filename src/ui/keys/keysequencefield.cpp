@@ -1,13 +1,12 @@
-// The keyboard part of the dialog: keys typed into the key field, the Super key's window,
-// and the buttons that take entries out again.
-#include "hotkeywin.h"
+#include "keysequencefield.h"
 
 #include "inputkeyform.h"
 #include "keycapture.h"
-#include "ui_hotkeywin.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QKeyEvent>
+#include <QLineEdit>
 
 namespace
 {
@@ -34,10 +33,32 @@ bool endsWithOpenModifier(const QString &keys)
 
 } // namespace
 
-bool HotKeyWin::eventFilter(QObject *watched, QEvent *event)
+KeySequenceField::KeySequenceField(QLineEdit *edit, const QString &logName)
+    : QObject(edit), m_edit(edit), m_logName(logName)
 {
-    if (watched != ui->lineEdit_keys)
-        return ScriboraDialog::eventFilter(watched, event);
+    m_edit->installEventFilter(this);
+    m_edit->setAttribute(Qt::WA_InputMethodEnabled, false);
+}
+
+QString KeySequenceField::keys() const
+{
+    return m_edit->text();
+}
+
+void KeySequenceField::Load(const QString &keys, const QString &tokens)
+{
+    m_edit->setText(keys);
+    m_keyScanCodes = tokens;
+    m_keyNum = tokens.isEmpty() ? 0 : tokens.count(QLatin1Char(',')) + 1;
+    m_keyHeld = false;
+    m_edit->end(false);
+    emit changed();
+}
+
+bool KeySequenceField::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_edit)
+        return false;
     // A dialog gives its first field the focus as if by Tab, which would select all the keys.
     if (event->type() == QEvent::FocusIn &&
         static_cast<QFocusEvent *>(event)->reason() != Qt::OtherFocusReason) {
@@ -59,10 +80,12 @@ bool HotKeyWin::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-void HotKeyWin::keyPressed(const QKeyEvent &event)
+void KeySequenceField::keyPressed(const QKeyEvent &event)
 {
     if (event.isAutoRepeat())
         return;
+    if (!m_logName.isEmpty())
+        qDebug() << m_logName;
     if (!m_keyHeld) {
         if (m_keyNum >= kMaxKeyEntries)
             return;
@@ -80,28 +103,28 @@ void HotKeyWin::keyPressed(const QKeyEvent &event)
     m_keyHeld = true;
 }
 
-void HotKeyWin::keyReleased(const QKeyEvent &event)
+void KeySequenceField::keyReleased(const QKeyEvent &event)
 {
     if (event.isAutoRepeat() || !m_keyHeld || !isModifierKey(event.key()))
         return;
     AddKeyboardString(QStringLiteral("-1"), false);
 }
 
-QString HotKeyWin::openCombination() const
+QString KeySequenceField::openCombination() const
 {
     return m_keyHeld ? m_keyScanCodes.section(QLatin1Char(','), -1) : QString();
 }
 
-void HotKeyWin::appendToken(const QString &token, bool held)
+void KeySequenceField::appendToken(const QString &token, bool held)
 {
     if (!m_keyScanCodes.isEmpty())
         m_keyScanCodes += held ? QLatin1Char('+') : QLatin1Char(',');
     m_keyScanCodes += token;
 }
 
-void HotKeyWin::AddKeyboardString(QString text, bool held)
+void KeySequenceField::AddKeyboardString(const QString &text, bool held)
 {
-    QString keys = ui->lineEdit_keys->text();
+    QString keys = m_edit->text();
     if (text == QLatin1String("-1")) {
         if (endsWithOpenModifier(keys))
             keys.chop(1);
@@ -111,49 +134,51 @@ void HotKeyWin::AddKeyboardString(QString text, bool held)
             keys += QLatin1Char(',');
         keys += text;
     }
-    ui->lineEdit_keys->setText(keys);
-    ui->lineEdit_keys->end(false);
-    UpdateFunctionNameShow();
+    m_edit->setText(keys);
+    m_edit->end(false);
+    emit changed();
 }
 
-void HotKeyWin::BtnClickClearFuc()
+void KeySequenceField::Clear()
 {
-    ui->lineEdit_keys->clear();
+    m_edit->clear();
     m_keyScanCodes.clear();
     m_keyNum = 0;
     m_keyHeld = false;
-    UpdateFunctionNameShow();
-    ui->lineEdit_keys->setFocus();
+    emit changed();
+    m_edit->setFocus();
 }
 
-void HotKeyWin::BtnClickDeleteFuc()
+void KeySequenceField::DeleteLast()
 {
-    ui->lineEdit_keys->setText(withoutLastEntry(ui->lineEdit_keys->text()));
+    m_edit->setText(withoutLastEntry(m_edit->text()));
     m_keyScanCodes = withoutLastEntry(m_keyScanCodes);
     m_keyNum = qMax(0, m_keyNum - 1);
     m_keyHeld = false;
-    UpdateFunctionNameShow();
-    ui->lineEdit_keys->setFocus();
+    emit changed();
+    m_edit->setFocus();
 }
 
 // The Super key does not reach the dialog reliably; a window of its own takes the rest of
 // the combination.
-void HotKeyWin::on_pushButton_super_clicked()
+void KeySequenceField::OpenSuperKeyForm()
 {
     if (m_inputKeyForm) {
         m_inputKeyForm->activateWindow();
         return;
     }
-    m_inputKeyForm = new InputKeyForm(this);
+    QWidget *dialog = m_edit->window();
+    m_inputKeyForm = new InputKeyForm(dialog);
     connect(m_inputKeyForm, &InputKeyForm::InputKeyBoard, this,
-            &HotKeyWin::onGetInputKeyFormString);
-    connect(m_inputKeyForm, &InputKeyForm::CloseKeyForm, this, &HotKeyWin::onCloseInputKeyForm);
-    m_inputKeyForm->move(geometry().center() - m_inputKeyForm->rect().center());
+            &KeySequenceField::onGetInputKeyFormString);
+    connect(m_inputKeyForm, &InputKeyForm::CloseKeyForm, this,
+            &KeySequenceField::onCloseInputKeyForm);
+    m_inputKeyForm->move(dialog->geometry().center() - m_inputKeyForm->rect().center());
     m_inputKeyForm->show();
     m_inputKeyForm->activateWindow();
 }
 
-void HotKeyWin::onGetInputKeyFormString(QString title, QString codes)
+void KeySequenceField::onGetInputKeyFormString(QString title, QString codes)
 {
     qDebug() << "keyTitleStr:" << title << ",keyScanCodeStr:" << codes;
     if (m_keyNum >= kMaxKeyEntries)
@@ -163,8 +188,8 @@ void HotKeyWin::onGetInputKeyFormString(QString title, QString codes)
     appendToken(QLatin1String(kSuperToken) + QLatin1Char('+') + codes, false);
 }
 
-void HotKeyWin::onCloseInputKeyForm()
+void KeySequenceField::onCloseInputKeyForm()
 {
-    activateWindow();
-    ui->lineEdit_keys->setFocus();
+    m_edit->window()->activateWindow();
+    m_edit->setFocus();
 }
