@@ -4,6 +4,7 @@
 #include "cactiontext.h"
 #include "cinputglobals.h"
 #include "languagetexts.h"
+#include "ringtipnumber.h"
 #include "tabletdata.h"
 
 #include <QDebug>
@@ -30,22 +31,6 @@ bool keysMirrored(const stTablet_XMLData &settings)
     if (settings.DeviceKeyDirection == 1)
         return orientation == 2 || orientation == 3;
     return orientation == 1 || orientation == 2;
-}
-
-// The number of the tip text "TR.Item.%1", or 0 for no tip.
-int ringTipNumber(int ringType, int func)
-{
-    switch (ringType) {
-    case 0:
-        return func + 1;
-    case 1:
-    case 2:
-        return 4 - func;
-    case 3:
-        return func == 3 ? 1 : func + 2;
-    default:
-        return 0;
-    }
 }
 
 } // namespace

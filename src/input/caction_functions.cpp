@@ -4,6 +4,7 @@
 #include "cactiontext.h"
 #include "cinputglobals.h"
 #include "myinput.h"
+#include "ringtipnumber.h"
 
 #include <QDebug>
 #include <QProcess>
@@ -110,21 +111,6 @@ bool isProgram(const QString &command)
         return true;
     return command.indexOf(QLatin1String(".appimage"), 1) > 0 ||
            command.indexOf(QLatin1String(".sh"), 1) > 0;
-}
-
-// The wheels count their functions backwards, the pen roller ring starts after zoom.
-long long ringKind(int ringType, int func)
-{
-    const long long function = func;
-    switch (ringType) {
-    case 1:
-    case 2:
-        return 3 - function;
-    case 3:
-        return function == 3 ? 0 : function + 1;
-    default:
-        return function;
-    }
 }
 
 } // namespace
@@ -288,7 +274,7 @@ void CAction::RingActionLibrary(int ringType, int func, short direction)
     if (way != kDirectionUp && way != kDirectionDown)
         return;
     const bool up = way == kDirectionUp;
-    switch (ringKind(ringType, func)) {
+    switch (ringFunctionKind(ringType, func)) {
     case 0:
         tapLibrary(up ? kActionZoomIn : kActionZoomOut);
         break;
