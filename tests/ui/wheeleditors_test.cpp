@@ -1,4 +1,5 @@
 #include "cvtkeycode.h"
+#include "penringsetting.h"
 #include "ringfunctionswitch.h"
 #include "rollerkey.h"
 #include "textfield.h"
@@ -10,6 +11,8 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSignalSpy>
+#include <QSlider>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -118,6 +121,32 @@ TEST(RingFunctionSwitch, NextUsableSlotAfterTheSelectedOne)
             EXPECT_EQ(choice->index, row.index);
         }
     }
+}
+
+// A tablet with one wheel: the roller is ring 1, whose slots the engine runs from zoom on.
+TEST(PenRollerDialog, EditsTheRollerRingOfTheRecord)
+{
+    stTablet_XMLData settings{};
+    settings.DeviceRingNum = 1;
+    _stAppConfigNode &record = settings.CommonAPP;
+    record.Ring[1].type = 3;
+    record.Ring[1].id = 2;
+    PenRingSetting dialog;
+    dialog.LoadDefaultHotkeyInfo(&record, &settings);
+    EXPECT_EQ(dialog.findChild<QComboBox *>("comboBox_ring1")->itemText(0), "TR.Item.1");
+    EXPECT_TRUE(dialog.findChild<QAbstractButton *>("radioButton_ring3")->isChecked());
+    dialog.findChild<QAbstractButton *>("radioButton_ring4")->click();
+    dialog.findChild<QSlider *>("horizontalSlider_speed")->setValue(0);
+    EXPECT_EQ(record.Ring[1].id, 3);
+    EXPECT_EQ(record.Ring[1].Speed, 1);
+    QSignalSpy usage(&dialog, &PenRingSetting::SendJsonDataToServer);
+    dialog.findChild<QComboBox *>("comboBox_ring2")->setCurrentIndex(WheelSlot::kNullEntry);
+    dialog.onWheelComboBoxActivated(1);
+    EXPECT_EQ(record.Ring[1].Item[1].id, 1);
+    EXPECT_EQ(record.Ring[0].Item[1].id, 0);
+    ASSERT_EQ(usage.size(), 1);
+    EXPECT_TRUE(usage[0][0].toString().startsWith(
+        "\"WheelComboBoxActivated\":{\"ringMode\":\"0\",\"nCurRingIndex\":\"1\""));
 }
 
 } // namespace
