@@ -47,6 +47,7 @@ TEST(RollerKeyEditor, EachWayGetsItsKeysAndTheStringComesBack)
     RollerKey dialog;
     tap(dialog.findChild<QLineEdit *>("lineEdit_keys1"), {kCtrl, kZ});
     tap(dialog.findChild<QLineEdit *>("lineEdit_keys2"), {kCtrl, kShift, kZ});
+    // The engine's case WheelEditorFunctionEvents plays this very string.
     const QString wheel =
         "4|Ctrl+Z / Ctrl+Shift+Z|Ctrl+Z|Ctrl+Shift+Z|29:37+44:52|29:37+42:50+44:52";
     EXPECT_EQ(data(dialog), wheel);
