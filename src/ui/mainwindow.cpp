@@ -45,6 +45,8 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     connectMappingPage();
     connectDesktopSignals();
     InitKeyUI(0);
+    InitWheelTouchUI();
+    InitPenUI();
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
     OnTabItemClicked(0);
@@ -174,6 +176,7 @@ void MainWindow::InitLanguageUI()
     setLanguageText(ui->DefaultQRM07Button, "Common.item1");
     setLanguageText(ui->HotkeyPushButton, "ShortcutKey.AllKey");
     setLanguageText(ui->HotkeyPushButton_QRM07, "ShortcutKey.AllKey");
+    InitPenLanguageUI();
 }
 
 int MainWindow::Init()
@@ -198,7 +201,6 @@ void MainWindow::InitUI(const QString &deviceName)
         return;
     m_CurrentTablet = tablet;
     tablet->m_DefaultMappingPending = false;
-    tablet->m_SendMultiData = ui->tabWidget->currentIndex() == 1;
     enableApplicationButtons(tablet);
     fillPageList(tablet);
     if (!m_BatteryWidget) {
@@ -206,9 +208,12 @@ void MainWindow::InitUI(const QString &deviceName)
         ui->listWidget_left->setFocusPolicy(Qt::NoFocus);
     }
     selectFirstPage(tablet);
+    updateLiveFeed();
+    showPenPage(tablet);
     showMappingPage(tablet);
     showModelPictures(tablet);
     InitKeyUI(tablet->m_TabletXMLData->DeviceKeyNum);
+    showWheelPage(tablet);
     showBattery(tablet);
 }
 
@@ -296,9 +301,9 @@ void MainWindow::showPage(int row)
 {
     if (!m_CurrentTablet)
         return;
-    m_CurrentTablet->m_SendMultiData = row == 1;
     ui->tabWidget->setCurrentIndex(
         m_CurrentTablet->m_TabletXMLData->SupportGroupKeys ? kGroupKeyPage : row);
+    updateLiveFeed();
 }
 
 // The application strip stays hidden on every page.

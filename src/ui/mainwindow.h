@@ -1,6 +1,8 @@
 #pragma once
 
+#include "multidata.h"
 #include "settingsrecords.h"
+#include "wheelslot.h"
 
 #include <QPoint>
 #include <QPointer>
@@ -9,6 +11,8 @@
 #include <QTime>
 #include <QWidget>
 
+#include <QVector>
+
 #include <functional>
 
 namespace Ui
@@ -16,6 +20,10 @@ namespace Ui
 class MainWindow;
 }
 class BatteryWidget;
+class DrawLineTestDialog;
+class PenRingSetting;
+class QComboBox;
+class SelectPenMenuList;
 class CDeviceManager;
 class CTablet;
 class JingXiMode;
@@ -51,6 +59,7 @@ public:
     void DeleteUI();
     void InitSystemTray();
     void InitLanguageUI();
+    void InitPenLanguageUI();
 
     // Devices, kept by CDeviceManager and TabletSlots
     bool EnumDeviceLinux(int pid);
@@ -71,6 +80,18 @@ public:
 
     // Pen: the pressure slider's level for a curve, -3, the softest, to 3, the hardest.
     static int DidPressurePointsConvertToIntValue(SPresslvPoints points);
+    // The application record that the pen, key and wheel pages edit, and its pen shown.
+    _stAppConfigNode *editedRecord() const;
+    int editedPenIndex() const;
+
+    // Wheel page: the four function boxes and the selected function of each wheel; 0 from the
+    // constructor.
+    void InitWheelTouchUI();
+    void SetRingWheelRadio(int wheel);
+    void ChangeRingAction(bool second, int tabletId);
+    void ChangeRingAction(bool second, int tabletId, QString app);
+    void ChangePenRingAction(int tabletId, QString app);
+    void UpdatePen3RingUIContext();
 
     // Usage data, dormant: the channel's pointer stays null and nothing is composed.
     void InitDataCollectAction();
@@ -135,6 +156,29 @@ public slots:
 
     // Pen
     void UpdatePenPicture();
+    void ReceivMultiData(CTablet *tablet, MultiData data);
+    void on_PressSensitivityChange(SPresslvPoints points);
+    void on_horizontalSlider_pressLv_valueChanged(int level);
+    void on_checkBox_mouseMode_clicked();
+    void on_checkBox_windowsInk_clicked();
+    void on_horizontalSlider_mspeed_valueChanged(int value);
+    void on_comboBox_pbtn0_activated(int index);
+    void on_comboBox_pbtn1_activated(int index);
+    void on_comboBox_pbtn2_activated(int index);
+    void on_pushButton_selectPen_clicked();
+    void on_pushButton_TestPressure_clicked();
+    void UpdataPenSelect(int index);
+    void UpdtePenHotkeyWheelUI();
+    void onResetPenDefaultSetting();
+    void onPenMenuSelectedAction(QString name, int index);
+    void onPenMenuDeletePenSelectedAction(QString name, int index);
+
+    // Wheel page
+    void onWheelComboBoxActivated(int slot);
+    void onWheelRadioClick(int slot);
+    void on_radioButton_m_wheel_clicked();
+    void on_radioButton_m_touch_clicked();
+    void onResetRingDefaultSetting();
 
     // Settings form
     void ShowSettingForm();
@@ -200,6 +244,9 @@ private slots:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     // Shell
@@ -237,7 +284,32 @@ private:
     CTablet *FineModeTarget(int tabletId) const;
 
     // Pen
+    void InitPenUI();
     void showModelPictures(const CTablet *tablet);
+    void showPenPage(const CTablet *tablet);
+    stPenConfig *editedPen() const;
+    void storeCurve(stPenConfig &pen, const SPresslvPoints &points);
+    void sendCurveEvent(const char *name, const SPresslvPoints &points);
+    void enableSpeedSlider(bool enabled);
+    void activatePenButton(int button, int index);
+    bool editPenButtonFunction(bool eraserEnd, QString &func);
+    void showPenButton(int button, const stPenBtn &stored);
+    void showPressure(int pressure, int maximum);
+    void updateLiveFeed();
+
+    // Wheel page
+    void showWheelPage(CTablet *tablet);
+    void showTouchStripModes(CTablet *tablet);
+    void showRingFunctions();
+    void setTouchStripMode(bool touch);
+    void ToggleTouchStrip(CTablet *tablet);
+    void onRingFunctionsMessage(CTablet *tablet, int msgId, const QString &app);
+    bool switchRingFunction(const stTablet_XMLData &settings, _stAppConfigNode &record, int ring);
+    QString touchModeTip() const;
+    bool stepRing(const stTablet_XMLData &settings, stRingConfig &ring,
+                  const std::function<int(int)> &numberOf);
+    void openPenRingSetting();
+    void resetRing(int ring);
 
     // Settings form
     void createSettingForm();
@@ -305,4 +377,13 @@ private:
     QTimer *m_CollectTimer = nullptr;
     UpdateServer *m_UpdateServer = nullptr;
     QString m_DriverDownloadUrl;
+    QVector<QComboBox *> m_PenButtonBoxes;
+    SelectPenMenuList *m_PenMenu = nullptr;
+    QPointer<DrawLineTestDialog> m_DrawTest;
+    WheelSlot m_WheelSlots[kRingItemCount];
+    QButtonGroup *m_RingItemGroup = nullptr;
+    QPointer<PenRingSetting> m_PenRingSetting;
+    int m_CurRingIndex = 0;
+    // The strip's mode toggle, shared by every device; the first toggle goes to the wheel.
+    bool m_TouchModeFlag = true;
 };

@@ -45,8 +45,14 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
         onBatteryMsg(tablet, msgData);
         break;
     case kMsgPenChange:
-        if (tablet == m_CurrentTablet)
+        // The page follows the pen now on the tablet.
+        if (tablet == m_CurrentTablet) {
             UpdatePenPicture();
+            UpdataPenSelect(editedPenIndex());
+        }
+        break;
+    case kMsgTrackPad:
+        ToggleTouchStrip(tablet);
         break;
     case kMsgWirelessConnected:
         RestoreTouchStrip(tablet);
@@ -65,6 +71,9 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, QString text)
         onKeyGroupMessage(tablet, text);
     else if (msgId == kMsgKeyPreview)
         onKeyPreviewMessage(tablet, text);
+    else if (msgId == kMsgRingFunctions || msgId == kMsgRing2Functions ||
+             msgId == kMsgPenRingFunctions)
+        onRingFunctionsMessage(tablet, msgId, text);
     if (msgId == kMsgUsage) {
         sendUsage([&] {
             return JsonServer::GetJsonData("tablet",

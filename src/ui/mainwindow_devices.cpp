@@ -95,6 +95,7 @@ void MainWindow::connectTablet(CTablet *tablet)
     connect(tablet, qOverload<int, int, QString>(&CTablet::PostActionMsg), this,
             qOverload<int, int, QString>(&MainWindow::ReceivActionMsg));
     connect(tablet, &CTablet::SentTabletLightData, this, &MainWindow::ReceivTabletLightData);
+    connect(tablet, &CTablet::SentMultiData, this, &MainWindow::ReceivMultiData);
 }
 
 void MainWindow::onSelectTabletDevice(QString deviceName, int index)

@@ -8,6 +8,8 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py stroke|plug|unplug|like NODE LOG, probe.py slots NODE LOG NAMES   a scenario; LOG gets the evdev events
     probe.py corners NODE LOG X,Y,W,H   the tablet's corners at those of a screen area
     probe.py key NODE LOG CODES         key 1 gives exactly the key codes CODES down and up
+    probe.py wheel NODE LOG CODES       a step of wheel 1 gives exactly the key codes CODES down and up
+    probe.py pressure NODE LOG P        a tap at pressure P; prints and writes LOG.value the ABS_PRESSURE it gives
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
@@ -472,19 +474,45 @@ def run_corners(ch, pen, area):
 def run_key(ch, keys, codes):
     """Key 1 of tab1 pressed and let go gives exactly the keys CODES ("29,42,44") on the
     keyboard device KEYS: each down, then each up."""
-    want = sorted(map(int, codes.split(",")))
     for state in ("01", "00"):
         send(ch, "02f0" + state + "00" * 61)
+    check_combination(keys, codes, "key 1")
+
+
+def run_wheel(ch, keys, codes):
+    """One step of wheel 1 clockwise (wheel state 0x01, then at rest) gives exactly the keys
+    CODES on KEYS, each down, then each up."""
+    for state in ("01", "00"):
+        send(ch, "02f0" + "00" * 5 + state + "00" * 56)
+    check_combination(keys, codes, "a wheel step")
+
+
+def check_combination(keys, codes, what):
+    want = sorted(map(int, codes.split(",")))
     got = [(c, v) for t, c, v in keys.all_events(3.0) if t == EV_KEY]
     downs = sorted(c for c, v in got if v == 1)
     ups = sorted(c for c, v in got if v == 0)
     last_down = max((n for n, (c, v) in enumerate(got) if v == 1), default=-1)
     first_up = min((n for n, (c, v) in enumerate(got) if v == 0), default=len(got))
     check(downs == want and ups == want and last_down < first_up,
-          "key 1 gives %s down, then up (got %s)" % (want, got))
+          "%s gives %s down, then up (got %s)" % (what, want, got))
 
 
-SCENARIOS = {"corners": run_corners, "key": run_key, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
+def run_pressure(ch, pen, pressure):
+    """The pen taps the tablet's centre at PRESSURE; the ABS_PRESSURE it gives goes to
+    LOG.value and is printed."""
+    frames = []
+    for report in (pen_report(0xa0, 26162, 14800), pen_report(0xa0, 26162, 14800, int(pressure)),
+                   pen_report(0xa0, 26162, 14800), pen_report(0xc0, 0, 0)):
+        send(ch, report)
+        frames.append(dict(((t, c), v) for t, c, v in pen.next_frame(FRAME_TIMEOUT_S) or ()))
+    got = frames[1].get(CODES["ABS_PRESSURE"])
+    with open(pen.log.name + ".value", "w") as out:
+        out.write("%s\n" % got)
+    check(got is not None and 0 < got <= 8191, "pressure %s gives ABS_PRESSURE %s" % (pressure, got))
+
+
+SCENARIOS = {"corners": run_corners, "key": run_key, "wheel": run_wheel, "pressure": run_pressure, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
 
 
 def main(argv):
