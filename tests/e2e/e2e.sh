@@ -121,6 +121,24 @@ sys.exit(not ok)' "$RUN/out/config.xml" || FAILED=1
     events --app-clean scribora 5
 }
 
+# The harder curve gives less at the same half pressure; the curve and the wheel's custom
+# function are saved with OK.
+test_pen() {
+    boot pen pen.sh -- --device "$TABLET:pid=0x0B44"
+    /usr/bin/python3 -c 'import sys, xml.etree.ElementTree as ET
+before, after = (open(sys.argv[1] + "/" + n + ".events.value").read().strip() for n in ("before", "after"))
+ok = before.isdigit() and after.isdigit() and int(after) < int(before)
+print("%s: half pressure gives ABS_PRESSURE %s before the curve change and %s after" % ("PASS" if ok else "FAIL", before, after))
+root = ET.parse(sys.argv[1] + "/config.xml").find("QTB0860/CommonAPP")
+p1x = float(root.findtext("Pen1/P1X") or 0)
+item = root.find("R/W1")
+saved = item is not None and item.get("id") == "2" and (item.text or "").startswith("4|")
+print("%s: P1X saved as %s" % ("PASS" if p1x > 0.8 else "FAIL", p1x))
+print("%s: wheel function 1 saved as custom: %s" % ("PASS" if saved else "FAIL", None if item is None else (item.attrib, item.text)))
+sys.exit(not (ok and p1x > 0.8 and saved))' "$RUN/out" || FAILED=1
+    events --app-clean scribora 5
+}
+
 "test_$1"
 echo "e2e_$1: $([ "$FAILED" = 0 ] && echo PASS || echo FAIL) (logs in $RUN)"
 exit "$FAILED"
