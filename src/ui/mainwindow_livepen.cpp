@@ -30,7 +30,7 @@ void MainWindow::ReceivMultiData(CTablet *tablet, MultiData data)
         pressure = static_cast<int>(pressure / kReportedPressureMax * maximum);
     if (ui->tabWidget->currentIndex() == kPenPage && pen)
         showPressure(pressure, maximum);
-    if (m_DrawTest)
+    if (m_DrawTest && m_DrawTest->isVisible())
         m_DrawTest->PenEvent(pen ? kPenInRange : kPenLeft, data.screenPosX, data.screenPosY,
                              data.pressure);
 }
@@ -43,17 +43,21 @@ void MainWindow::showPressure(int pressure, int maximum)
     ui->label_pressValue->setText(QString::number(pressure));
 }
 
+// The test stays open beside the window, which keeps answering while the user draws.
 void MainWindow::on_pushButton_TestPressure_clicked()
 {
     if (!m_CurrentTablet)
         return;
-    DrawLineTestDialog dialog(this);
-    m_DrawTest = &dialog;
-    connect(this, &MainWindow::HideDialog, &dialog, &QWidget::close);
-    updateLiveFeed();
-    dialog.ShowDialogInCenter();
-    dialog.exec();
-    m_DrawTest = nullptr;
+    if (m_DrawTest) {
+        m_DrawTest->activateWindow();
+        return;
+    }
+    m_DrawTest = new DrawLineTestDialog(this);
+    m_DrawTest->setAttribute(Qt::WA_DeleteOnClose);
+    connect(this, &MainWindow::HideDialog, m_DrawTest, &QWidget::close);
+    connect(m_DrawTest, &QDialog::finished, this, &MainWindow::updateLiveFeed);
+    m_DrawTest->ShowDialogInCenter();
+    m_DrawTest->show();
     updateLiveFeed();
 }
 
@@ -63,8 +67,9 @@ void MainWindow::updateLiveFeed()
     if (!m_CurrentTablet)
         return;
     const bool seen = isVisible() && !isMinimized();
+    const bool testing = m_DrawTest && m_DrawTest->isVisible();
     m_CurrentTablet->m_SendMultiData =
-        m_DrawTest || (seen && ui->tabWidget->currentIndex() == kPenPage);
+        testing || (seen && ui->tabWidget->currentIndex() == kPenPage);
 }
 
 void MainWindow::showEvent(QShowEvent *event)

@@ -1,9 +1,12 @@
 #include "actionmessages.h"
+#include "cpendrawwidget.h"
 #include "devicefixture.h"
+#include "drawlinetestdialog.h"
 #include "mainwindow.h"
 #include "mylrc.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLabel>
 #include <QSlider>
 #include <QTabWidget>
@@ -94,6 +97,35 @@ TEST_F(PenAndWheelPages, PressureBarFollowsTheLivePenWhileSeen)
     pen.pressure = 100;
     m_Window.ReceivMultiData(m_Window.currentTablet(), pen);
     EXPECT_EQ(value->text(), "1023");
+}
+
+// The pressure test draws what the live pen does, and the tablet feeds it only while it is open,
+// whatever page is behind it.
+TEST_F(PenAndWheelPages, PressureTestDrawsTheLivePenWhileOpen)
+{
+    CTablet *tablet = m_Window.currentTablet();
+    m_Window.findChild<QTabWidget *>("tabWidget")->setCurrentIndex(0);
+    CGlobalData::ScreenArray[1] = CGlobalData::LogicScreenArray[1];
+    m_Window.on_pushButton_TestPressure_clicked();
+    DrawLineTestDialog *dialog = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        dialog = dialog ? dialog : qobject_cast<DrawLineTestDialog *>(widget);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(tablet->m_SendMultiData);
+    auto *field = dialog->findChild<CPenDrawWidget *>();
+    const QImage blank = field->pixmap().toImage();
+    const QPoint centre = field->mapToGlobal(field->rect().center());
+    MultiData pen{};
+    pen.flags = 1;
+    pen.pressure = 8191;
+    for (int step = 0; step < 3; ++step) {
+        pen.screenPosX = centre.x() + 20 * step;
+        pen.screenPosY = centre.y();
+        m_Window.ReceivMultiData(tablet, pen);
+    }
+    EXPECT_NE(field->pixmap().toImage(), blank);
+    dialog->close();
+    EXPECT_FALSE(tablet->m_SendMultiData);
 }
 
 // The device's switch key steps to the next usable function and names them all; with none
