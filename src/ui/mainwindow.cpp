@@ -90,6 +90,8 @@ void MainWindow::connectShell()
     connect(ui->widget_device, &QDeviceItemWidget::onSelectAppItem, this,
             &MainWindow::onSelectTabletDevice);
     connect(ui->listWidget_left, &QListWidget::itemClicked, this, &MainWindow::onClickListItem);
+    connect(ui->pushButton_export, &QPushButton::clicked, this, &MainWindow::onExportConfigueFile);
+    connect(ui->pushButton_import, &QPushButton::clicked, this, &MainWindow::onImportConfigueFile);
 }
 
 void MainWindow::watchDragAreas()

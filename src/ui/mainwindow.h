@@ -109,6 +109,14 @@ public:
     // The screen list from the screen table.
     void fillScreenList();
 
+    // Profile file: its version cut at the last point, empty with a code 101-105 on failure;
+    // export, and import after the version check (0 on success, -1 when the copy failed).
+    static QString GetXMLFileVersion(QString path, int &code);
+    bool GetConfigXMLFileVersion(QString path, int &code);
+    bool ExportConfigTo(const QString &path);
+    int ImportConfigFrom(const QString &path);
+    const QString &xmlVersion() const { return m_XmlVersion; }
+
     // Updates, dormant as well.
     static bool compareVersion(const QString &a, const QString &b);
     void CheckUpdateTQR4470C();
@@ -179,6 +187,10 @@ public slots:
     void on_radioButton_m_wheel_clicked();
     void on_radioButton_m_touch_clicked();
     void onResetRingDefaultSetting();
+
+    // Profile file
+    void onExportConfigueFile();
+    void onImportConfigueFile();
 
     // Settings form
     void ShowSettingForm();
@@ -377,6 +389,7 @@ private:
     QTimer *m_CollectTimer = nullptr;
     UpdateServer *m_UpdateServer = nullptr;
     QString m_DriverDownloadUrl;
+    QString m_XmlVersion;
     QVector<QComboBox *> m_PenButtonBoxes;
     SelectPenMenuList *m_PenMenu = nullptr;
     QPointer<DrawLineTestDialog> m_DrawTest;

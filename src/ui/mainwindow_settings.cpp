@@ -39,6 +39,10 @@ void MainWindow::createSettingForm()
             &MainWindow::onChangeCollectDataOption);
     connect(m_SettingForm, &SettingForm::onDriverDownbtnClicked, this,
             &MainWindow::onDriverDownLoadFun);
+    connect(m_SettingForm, &SettingForm::onImportConfiguebtnClicked, this,
+            &MainWindow::onImportConfigueFile);
+    connect(m_SettingForm, &SettingForm::onOutportConfiguebtnClicked, this,
+            &MainWindow::onExportConfigueFile);
 }
 
 void MainWindow::CloseSettingFormDevices()
