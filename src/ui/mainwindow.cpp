@@ -9,6 +9,7 @@
 #include "jsonserver.h"
 #include "mylinux.h"
 #include "mylrc.h"
+#include "qappitemwidget.h"
 #include "settingform.h"
 #include "traymenu.h"
 #include "ui_mainwindow.h"
@@ -32,7 +33,6 @@ namespace
 // Presses below the head strip do not drag the window.
 constexpr int kDragStripHeight = 80;
 constexpr int kGroupKeyPage = 5;
-constexpr int kMaxApplications = 8;
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow)
@@ -91,6 +91,9 @@ void MainWindow::connectShell()
             &MainWindow::onSelectTabletDevice);
     connect(ui->listWidget_left, &QListWidget::itemClicked, this, &MainWindow::onClickListItem);
     connect(ui->pushButton_export, &QPushButton::clicked, this, &MainWindow::onExportConfigueFile);
+    connect(ui->pushButton_add, &QPushButton::clicked, this, &MainWindow::OnAddApplication);
+    connect(ui->pushButton_delete, &QPushButton::clicked, this, &MainWindow::OnDeleteApplication);
+    connect(ui->widget_app, &QAppItemWidget::onSelectAppItem, this, &MainWindow::onSelectAppItem);
     connect(ui->pushButton_import, &QPushButton::clicked, this, &MainWindow::onImportConfigueFile);
 }
 
@@ -203,7 +206,7 @@ void MainWindow::InitUI(const QString &deviceName)
         return;
     m_CurrentTablet = tablet;
     tablet->m_DefaultMappingPending = false;
-    enableApplicationButtons(tablet);
+    showApplications(tablet);
     fillPageList(tablet);
     if (!m_BatteryWidget) {
         m_BatteryWidget = new BatteryWidget(ui->listWidget_left);
@@ -225,14 +228,6 @@ void MainWindow::showImage(QPixmap pixmap, QLabel *label)
     if (pixmap.isNull())
         return;
     label->setPixmap(pixmap.scaled(label->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
-}
-
-// A profile keeps at least one and at most eight applications.
-void MainWindow::enableApplicationButtons(const CTablet *tablet)
-{
-    const int count = tablet->m_AppConfigs.size();
-    ui->pushButton_delete->setEnabled(count != 1);
-    ui->pushButton_add->setEnabled(count != kMaxApplications);
 }
 
 void MainWindow::fillPageList(const CTablet *tablet)

@@ -116,6 +116,8 @@ public:
     bool ExportConfigTo(const QString &path);
     int ImportConfigFrom(const QString &path);
     const QString &xmlVersion() const { return m_XmlVersion; }
+    // Adds a program to the strip with a copy of the common record; false when refused.
+    bool AddApplication(const QString &path);
 
     // Updates, dormant as well.
     static bool compareVersion(const QString &a, const QString &b);
@@ -187,6 +189,13 @@ public slots:
     void on_radioButton_m_wheel_clicked();
     void on_radioButton_m_touch_clicked();
     void onResetRingDefaultSetting();
+
+    // Application profiles
+    void OnAddApplication();
+    void OnDeleteApplication();
+    void onSelectAppItem(QString path, int index);
+    void ClearApplication();
+    void UpdateUIByAppChange();
 
     // Profile file
     void onExportConfigueFile();
@@ -270,7 +279,8 @@ private:
     bool filterMousePress(QObject *watched, const QMouseEvent *event);
     bool filterMouseMove(const QMouseEvent *event);
     void filterMouseRelease(const QMouseEvent *event);
-    void enableApplicationButtons(const CTablet *tablet);
+    void showApplications(const CTablet *tablet);
+    void enableApplicationButtons();
     void fillPageList(const CTablet *tablet);
     void addPageRow(const char *key, const char *fallback, bool hidden);
     void selectFirstPage(const CTablet *tablet);
@@ -390,6 +400,8 @@ private:
     UpdateServer *m_UpdateServer = nullptr;
     QString m_DriverDownloadUrl;
     QString m_XmlVersion;
+    // The program whose record the pages edit; empty for the common record.
+    QString m_EditedApp;
     QVector<QComboBox *> m_PenButtonBoxes;
     SelectPenMenuList *m_PenMenu = nullptr;
     QPointer<DrawLineTestDialog> m_DrawTest;

@@ -138,8 +138,10 @@ void MainWindow::onTabletRemoved(CTablet *tablet, const QString &key)
         ui->widget_device->removeChildDevice(
             key.isEmpty() ? QString::fromUtf8(tablet->m_DeviceAttributes.ShowName) : key);
     }
-    if (GetTabletArraySize() == 0)
+    if (GetTabletArraySize() == 0) {
+        ClearApplication();
         DeleteUI();
+    }
 }
 
 void MainWindow::showSoleDevice()

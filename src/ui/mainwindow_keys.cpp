@@ -63,14 +63,14 @@ void MainWindow::InitKeyUI(int count)
     list->setHotkeyCount(count);
     if (!grouped)
         ui->HotkeyPushButton->setVisible(count > buttonListWidget::kShownKeys);
-    m_KeyGroups->SetRecord(grouped ? &settings->CommonAPP : nullptr, settings);
+    m_KeyGroups->SetRecord(grouped ? editedRecord() : nullptr, settings);
     m_KeyGroups->SetKeySlots(grouped ? list->keySlots() : QVector<KeySlot>());
     if (grouped) {
-        SelectM07HotKeyGroup(settings->CommonAPP.SelectID);
+        SelectM07HotKeyGroup(editedRecord()->SelectID);
         return;
     }
     for (int key = 0; key < list->keySlots().size(); ++key)
-        list->keySlots()[key].Show(settings->CommonAPP.Key[key]);
+        list->keySlots()[key].Show(editedRecord()->Key[key]);
 }
 
 stKeyConfig *MainWindow::editedKey(int key) const
@@ -78,7 +78,7 @@ stKeyConfig *MainWindow::editedKey(int key) const
     stTablet_XMLData *settings = mappedProfile();
     if (!settings || key < 0 || key >= kKeyCount)
         return nullptr;
-    _stAppConfigNode &record = settings->CommonAPP;
+    _stAppConfigNode &record = *editedRecord();
     return settings->SupportGroupKeys ? &record.KeyGroup[m_KeyGroups->CurrentGroup()].Key[key]
                                       : &record.Key[key];
 }
@@ -97,7 +97,7 @@ void MainWindow::ComboBoxKeyActivated(int key)
             func);
     });
     sendUsage([&] {
-        return keyActivatedEvent(*target, fieldText(settings->CommonAPP.path), currentTabletName());
+        return keyActivatedEvent(*target, fieldText(editedRecord()->path), currentTabletName());
     });
 }
 
@@ -108,11 +108,11 @@ void MainWindow::onResetHotkeyDefaultSetting()
         return;
     const QVector<KeySlot> &boxes = m_KeyLists[0]->keySlots();
     for (int key = 0; key < boxes.size(); ++key)
-        boxes[key].Reset(settings->CommonAPP.Key[key]);
+        boxes[key].Reset(editedRecord()->Key[key]);
     sendUsage([&] {
         return JsonServer::GetJsonDataSon(
                    "ResetHotkeySetting",
-                   JsonServer::GetJsonData("curapp", fieldText(settings->CommonAPP.path))) +
+                   JsonServer::GetJsonData("curapp", fieldText(editedRecord()->path))) +
                "," + JsonServer::GetJsonData("tablet", currentTabletName());
     });
 }
@@ -158,7 +158,7 @@ void MainWindow::openAllKeys(bool grouped)
     if (grouped)
         dialog.SetCurUISelectID(group);
     dialog.LoadDefaultHotkeyInfo(
-        &settings->CommonAPP,
+        editedRecord(),
         QString(":/image/tablet/HY_%1_K%2.png")
             .arg(QString::fromUtf8(m_CurrentTablet->m_DeviceAttributes.ModelName))
             .arg(settings->Orientation),
@@ -179,7 +179,7 @@ void MainWindow::on_DefaultQRM07Button_clicked()
     stTablet_XMLData *settings = mappedProfile();
     if (!settings)
         return;
-    _stAppConfigNode &record = settings->CommonAPP;
+    _stAppConfigNode &record = *editedRecord();
     for (int group = 0; group < kKeyGroupCount; ++group) {
         record.KeyGroup[group].bEnable = group == 0;
         for (stKeyConfig &key : record.KeyGroup[group].Key)

@@ -88,12 +88,6 @@ void MainWindow::InitPenLanguageUI()
     ui->groupBox_brightness->setTitle(languageText("TR.Light", "Light"));
 }
 
-_stAppConfigNode *MainWindow::editedRecord() const
-{
-    stTablet_XMLData *settings = m_CurrentTablet ? m_CurrentTablet->m_TabletXMLData : nullptr;
-    return settings ? &settings->CommonAPP : nullptr;
-}
-
 // The pen of the record that the page edits; none while the device has not chosen one.
 stPenConfig *MainWindow::editedPen() const
 {

@@ -27,9 +27,13 @@ constexpr int kButtonSide = 30;
 constexpr int kIconSide = 26;
 const QSize kStripSize(310, 38);
 
+// A program that is not on this machine, or whose type has no icon, still shows with the plain
+// file icon: its settings are in the profile all the same.
 QIcon fileIcon(const QString &path)
 {
-    return QFileIconProvider().icon(QFileInfo(path));
+    const QFileIconProvider icons;
+    const QIcon icon = icons.icon(QFileInfo(path));
+    return icon.isNull() ? icons.icon(QFileIconProvider::File) : icon;
 }
 } // namespace
 
