@@ -181,6 +181,10 @@ void MainWindow::InitLanguageUI()
     setLanguageText(ui->DefaultQRM07Button, "Common.item1");
     setLanguageText(ui->HotkeyPushButton, "ShortcutKey.AllKey");
     setLanguageText(ui->HotkeyPushButton_QRM07, "ShortcutKey.AllKey");
+    setLanguageText(ui->SaveQRM07Button, "Import.saveBtn");
+    ui->SaveQRM07Button->setToolTip(languageText("Import.saveTips", QString()));
+    setLanguageText(ui->ImportQRM07Button, "Import.importBtn");
+    ui->ImportQRM07Button->setToolTip(languageText("Import.importTips", QString()));
     InitPenLanguageUI();
 }
 

@@ -246,6 +246,8 @@ public slots:
     void on_HotkeyPushButton_clicked();
     void on_HotkeyPushButton_QRM07_clicked();
     void on_DefaultQRM07Button_clicked();
+    void on_SaveQRM07Button_clicked();
+    void on_ImportQRM07Button_clicked();
     void onResetHotkeyDefaultSetting();
 
     // Usage data and updates
@@ -345,6 +347,7 @@ private:
     void onKeyPreviewMessage(CTablet *tablet, const QString &app);
     _stAppConfigNode *appRecord(CTablet *tablet, const QString &app) const;
     void closeKeyPreviewOf(CTablet *tablet);
+    void transferRemoteProfile(bool read);
 
     // Mapping page
     void connectMappingPage();

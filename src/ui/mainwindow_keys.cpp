@@ -9,6 +9,7 @@
 #include "customkeyfunction.h"
 #include "hotkeygroups.h"
 #include "hotkeysettingdialog.h"
+#include "importsettingdialog.h"
 #include "jsonserver.h"
 #include "keypreviewswitch.h"
 #include "keyslot.h"
@@ -18,6 +19,8 @@
 #include <QCursor>
 #include <QDebug>
 #include <QScrollArea>
+
+#include <cstring>
 
 namespace
 {
@@ -219,4 +222,40 @@ void MainWindow::closeKeyPreviewOf(CTablet *tablet)
 {
     if (tablet == m_KeyPreviewTablet)
         m_KeyPreview->Close();
+}
+
+// The remote keeps the key groups and the wheel of the edited record in its own memory.
+void MainWindow::on_SaveQRM07Button_clicked()
+{
+    transferRemoteProfile(false);
+}
+
+// What the remote keeps replaces the edited record's key groups and wheels; its pens stay.
+void MainWindow::on_ImportQRM07Button_clicked()
+{
+    transferRemoteProfile(true);
+}
+
+void MainWindow::transferRemoteProfile(bool read)
+{
+    if (!m_CurrentTablet)
+        return;
+    CTablet *tablet = m_CurrentTablet;
+    ImportSettingDialog dialog(this);
+    connect(this, &MainWindow::HideDialog, &dialog,
+            &ImportSettingDialog::on_ImportCloseButton_clicked);
+    dialog.setCurrentTablet(tablet, editedRecord(), read);
+    dialog.ShowDialogInCenter();
+    const int result = dialog.exec();
+    disconnect(tablet, &CTablet::PostDeviceOperatorMsg, &dialog, nullptr);
+    if (!read || result != QDialog::Accepted || !tablet->m_IncomingNode ||
+        tablet != m_CurrentTablet)
+        return;
+    _stAppConfigNode &record = *editedRecord();
+    const _stAppConfigNode &incoming = *tablet->m_IncomingNode;
+    record.SelectID = incoming.SelectID;
+    std::memcpy(record.path, incoming.path, sizeof record.path);
+    std::memcpy(record.KeyGroup, incoming.KeyGroup, sizeof record.KeyGroup);
+    std::memcpy(record.Ring, incoming.Ring, sizeof record.Ring);
+    UpdateUIByAppChange();
 }
