@@ -69,6 +69,8 @@ TEST(WheelSlotChoice, CustomOnlyWhenAcceptedAndAWrongFormKeepsTheString)
     stRingItem item{};
     copyTextField(item.func, "TR.Item.3");
     slot.Show(item, 3);
+    slot.Show(item, 3);
+    ASSERT_EQ(box.count(), 3) << "own function, no action, custom; shown twice";
     ASSERT_EQ(box.itemText(WheelSlot::kDefaultEntry), "TR.Item.3");
     const auto editorGiving = [](std::optional<QString> result) {
         return [result](QString &func) {
@@ -136,6 +138,8 @@ TEST(PenRollerDialog, EditsTheRollerRingOfTheRecord)
     dialog.LoadDefaultHotkeyInfo(&record, &settings);
     EXPECT_EQ(dialog.findChild<QComboBox *>("comboBox_ring1")->itemText(0), "TR.Item.1");
     EXPECT_TRUE(dialog.findChild<QAbstractButton *>("radioButton_ring3")->isChecked());
+    dialog.findChild<QAbstractButton *>("radioButton_ring1")->click();
+    EXPECT_EQ(record.Ring[1].id, 0);
     dialog.findChild<QAbstractButton *>("radioButton_ring4")->click();
     dialog.findChild<QSlider *>("horizontalSlider_speed")->setValue(0);
     EXPECT_EQ(record.Ring[1].id, 3);
