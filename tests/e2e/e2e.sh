@@ -139,6 +139,18 @@ sys.exit(not (ok and p1x > 0.8 and saved))' "$RUN/out" || FAILED=1
     events --app-clean scribora 5
 }
 
+# The remote's memory: what the driver saves there comes back, with key 1 made custom on the
+# device, into the profile; OK saves it.
+test_remote() {
+    boot remote remote.sh -- --device "$TABLET:pid=0x03E2"
+    /usr/bin/python3 -c 'import sys, xml.etree.ElementTree as ET
+key = ET.parse(sys.argv[1]).find("QRM07/CommonAPP/K/K1")
+ok = key is not None and key.get("id") == "1" and (key.text or "") == "1|Undo|Ctrl+Z|29:37+44:52"
+print("%s: key 1 read back from the remote and saved: %s" % ("PASS" if ok else "FAIL", None if key is None else (key.attrib, key.text)))
+sys.exit(not ok)' "$RUN/out/config.xml" || FAILED=1
+    events --app-clean scribora 5
+}
+
 "test_$1"
 echo "e2e_$1: $([ "$FAILED" = 0 ] && echo PASS || echo FAIL) (logs in $RUN)"
 exit "$FAILED"

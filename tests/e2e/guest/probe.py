@@ -11,6 +11,9 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py wheel NODE LOG CODES       a step of wheel 1 gives exactly the key codes CODES down and up
     probe.py pressure NODE LOG P        a tap at pressure P; prints and writes LOG.value the ABS_PRESSURE it gives
     probe.py ping-app TIMEOUT       the running driver's event loop answers
+    probe.py remote DIR             tab1 plays a remote's memory: takes a write, then answers three
+                                    reads (no file, another mark, the file with key 1 made custom);
+                                    DIR/<phase> marks each phase, DIR/written.xml the file taken
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
 """
@@ -512,7 +515,74 @@ def run_pressure(ch, pen, pressure):
     check(got is not None and 0 < got <= 8191, "pressure %s gives ABS_PRESSURE %s" % (pressure, got))
 
 
-SCENARIOS = {"corners": run_corners, "key": run_key, "wheel": run_wheel, "pressure": run_pressure, "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like, "slots": run_slots}
+# The file transfer of the remote's memory (report 02 b6): the driver's requests and the
+# device's answers.
+FILE_WRITE, FILE_CHUNK, FILE_END, FILE_READ, FILE_DATA = "02b601", "02b603", "02b602", "02b60001", "02b60002"
+FILE_BLOCK = 29
+CUSTOM_KEY = "1|Undo|Ctrl+Z|29:37+44:52"
+
+
+def wait_out(ch, prefix, timeout=60):
+    """The data of the driver's next output report on tab1 that starts with PREFIX."""
+    while True:
+        reply = ch.request(["wait-out", "tab1", str(timeout)]).split()
+        if reply[0] != "ok":
+            raise NoReply("no output report %s... (%s)" % (prefix, " ".join(reply)))
+        if reply[-1].startswith(prefix):
+            return bytes.fromhex(reply[-1])
+
+
+def take_written_file(ch):
+    """Accepts a write and collects its blocks up to the end frame; the file without padding."""
+    wait_out(ch, FILE_WRITE)
+    send(ch, "02b60101" + "00" * 60)
+    data = b""
+    while True:
+        frame = wait_out(ch, "02b60")
+        if frame.hex().startswith(FILE_END):
+            return data.rstrip(b"\0")
+        if frame.hex().startswith(FILE_CHUNK):
+            data += frame[3:3 + FILE_BLOCK]
+
+
+def header(size, mark=0):
+    return ("02b60001" + struct.pack("<IB", size, mark).hex()).ljust(128, "0")
+
+
+def play_file(ch, data):
+    wait_out(ch, FILE_DATA)
+    for at in range(0, len(data), 61):
+        send(ch, ("02b600" + data[at:at + 61].hex()).ljust(128, "0"))
+    send(ch, "02b60200".ljust(128, "0"))
+
+
+def run_remote(ch, out):
+    mark = lambda name: open(os.path.join(out, name), "w").close()
+    written = take_written_file(ch)
+    with open(os.path.join(out, "written.xml"), "wb") as f:
+        f.write(written)
+    check(written.startswith(b"<?xml") and b"<QRM07App>" in written and b"<K1 " in written,
+          "the driver wrote the remote's document (%d bytes)" % len(written))
+    send(ch, "02b60202".ljust(128, "0"))
+    mark("saved")
+    wait_out(ch, FILE_READ)
+    send(ch, header(0))
+    mark("nofile")
+    wait_out(ch, FILE_READ)
+    send(ch, header(len(written), 7))
+    mark("othermark")
+    wait_out(ch, FILE_READ)
+    changed = re.sub(rb'<K1 ([^>]*)id="0"([^>]*?) ?/>', lambda m: b'<K1 ' + m.group(1) + b'id="1"' +
+                     m.group(2) + b'>' + CUSTOM_KEY.encode() + b'</K1>', written, count=1)
+    check(changed != written, "key 1 of the first group made custom in the document sent back")
+    send(ch, header(len(changed)))
+    play_file(ch, changed)
+    mark("read")
+
+
+SCENARIOS = {"corners": run_corners, "key": run_key, "wheel": run_wheel, "pressure": run_pressure,
+             "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like,
+             "slots": run_slots}
 
 
 def main(argv):
@@ -532,9 +602,9 @@ def main(argv):
             SCENARIOS[cmd](ch, pen, *args[2:])
         finally:
             pen.close()
-    elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0)):
+    elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0), ("remote", 1)):
         {"ping-app": lambda t: ping_app(float(t)), "driver": lambda want: check_drivers("tab1", {"tab1": want}),
-         "hidraw": lambda: check_hidraw(Channel())}[cmd](*args)
+         "hidraw": lambda: check_hidraw(Channel()), "remote": lambda out: run_remote(Channel(), out)}[cmd](*args)
     else:
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
