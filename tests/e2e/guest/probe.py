@@ -11,9 +11,8 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py wheel NODE LOG CODES       a step of wheel 1 gives exactly the key codes CODES down and up
     probe.py pressure NODE LOG P        a tap at pressure P; prints and writes LOG.value the ABS_PRESSURE it gives
     probe.py ping-app TIMEOUT       the running driver's event loop answers
-    probe.py remote DIR             tab1 plays a remote's memory: takes a write, then answers three
-                                    reads (no file, another mark, the file with key 1 made custom);
-                                    DIR/<phase> marks each phase, DIR/written.xml the file taken
+    probe.py remote DIR             tab1 plays a remote's memory (see run_remote); DIR/<phase>
+                                    marks each phase, DIR/written.xml the file taken
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
 """
@@ -557,7 +556,16 @@ def play_file(ch, data):
 
 
 def run_remote(ch, out):
+    """Refuses the first write, whose retry reads and finds no file; takes the second write;
+    answers the next read with another mark, and its retry with the file taken, key 1 of the
+    first group made custom."""
     mark = lambda name: open(os.path.join(out, name), "w").close()
+    take_written_file(ch)
+    send(ch, "02b60200".ljust(128, "0"))
+    mark("refused")
+    wait_out(ch, FILE_READ)
+    send(ch, header(0))
+    mark("nofile")
     written = take_written_file(ch)
     with open(os.path.join(out, "written.xml"), "wb") as f:
         f.write(written)
@@ -565,9 +573,6 @@ def run_remote(ch, out):
           "the driver wrote the remote's document (%d bytes)" % len(written))
     send(ch, "02b60202".ljust(128, "0"))
     mark("saved")
-    wait_out(ch, FILE_READ)
-    send(ch, header(0))
-    mark("nofile")
     wait_out(ch, FILE_READ)
     send(ch, header(len(written), 7))
     mark("othermark")

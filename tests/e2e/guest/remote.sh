@@ -17,16 +17,23 @@ dialog_shows() {
     x11_screenshot "$2"
 }
 
+# A refused write offers a retry, which reads, and the remote has no file yet.
 x11_click 459 515 # SaveQRM07Button
 expect "the transfer dialog opens" wait_for 30 x11_mapped 2
-dialog_shows saved remote-saved
-dialog_at 280 271 # ImportCloseButton, alone after a success
+dialog_shows refused remote-refused
+dialog_at 212 271 # ImportRetryButton
+dialog_shows nofile remote-nofile
+dialog_at 348 271 # ImportCloseButton, beside the retry
 expect "the transfer dialog closes" wait_for 30 x11_mapped 1
 
+x11_click 459 515
+expect "the transfer dialog opens for the second write" wait_for 30 x11_mapped 2
+dialog_shows saved remote-saved
+dialog_at 280 271 # ImportCloseButton, alone after a success
+expect "the transfer dialog closes after the write" wait_for 30 x11_mapped 1
+
 x11_click 633 515 # ImportQRM07Button
-expect "the transfer dialog opens again" wait_for 30 x11_mapped 2
-dialog_shows nofile remote-nofile
-dialog_at 212 271 # ImportRetryButton
+expect "the transfer dialog opens for the read" wait_for 30 x11_mapped 2
 dialog_shows othermark remote-othermark
 dialog_at 212 271
 dialog_shows read remote-read
