@@ -158,6 +158,27 @@ TEST_F(PenAndWheelPages, SwitchKeyStepsThroughTheUsableWheelFunctions)
     EXPECT_TRUE(tipLines().isEmpty());
 }
 
+// The page's radio buttons choose the wheel's function, and the reset buttons put the wheel
+// and the pen back.
+TEST_F(PenAndWheelPages, RadiosChooseAndResetButtonsRestore)
+{
+    stRingConfig &ring = data().CommonAPP.Ring[0];
+    ring.id = 2;
+    ring.Item[1].id = 1;
+    data().DeviceCurPenID = 0;
+    data().CommonAPP.Pen[0].Speed = 9;
+    reshow();
+    child<QAbstractButton>("radioButton_ringItem1")->click();
+    EXPECT_EQ(ring.id, 0);
+    ring.id = 3;
+    child<QAbstractButton>("pushButton_ring")->click();
+    EXPECT_EQ(ring.id, 0);
+    EXPECT_EQ(ring.Item[1].id, 0);
+    child<QAbstractButton>("pushButton_pen")->click();
+    EXPECT_EQ(data().CommonAPP.Pen[0].Speed, 5);
+    EXPECT_EQ(child<QSlider>("horizontalSlider_mspeed")->value(), 5);
+}
+
 // The mode key of a touch strip toggles it between wheel and touch, on the page, in the record
 // and on the device.
 TEST_F(PenAndWheelPages, ModeKeyTogglesTheTouchStrip)
