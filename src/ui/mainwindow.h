@@ -1,6 +1,7 @@
 #pragma once
 
 #include "multidata.h"
+#include "penbuttonslot.h"
 #include "settingsrecords.h"
 #include "wheelslot.h"
 
@@ -317,7 +318,6 @@ private:
     void enableSpeedSlider(bool enabled);
     void activatePenButton(int button, int index);
     bool editPenButtonFunction(bool eraserEnd, QString &func);
-    void showPenButton(int button, const stPenBtn &stored);
     void showPressure(int pressure, int maximum);
     void updateLiveFeed();
 
@@ -405,7 +405,7 @@ private:
     QString m_XmlVersion;
     // The program whose record the pages edit; empty for the common record.
     QString m_EditedApp;
-    QVector<QComboBox *> m_PenButtonBoxes;
+    QVector<PenButtonSlot> m_PenButtons;
     SelectPenMenuList *m_PenMenu = nullptr;
     QPointer<DrawLineTestDialog> m_DrawTest;
     WheelSlot m_WheelSlots[kRingItemCount];

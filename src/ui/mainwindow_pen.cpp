@@ -7,8 +7,8 @@
 #include "digitalpennames.h"
 #include "hotkeywin.h"
 #include "jsonserver.h"
-#include "keyslot.h"
 #include "languagetexts.h"
+#include "penbuttonslot.h"
 #include "qpressadjustwedget.h"
 #include "selectpenmenulist.h"
 #include "textfield.h"
@@ -24,10 +24,6 @@ namespace
 {
 // The pen whose barrel carries a roller.
 constexpr int kRollerPen = 3;
-// Entries of a pen button's box, which are what its `id` stores.
-constexpr int kButtonAction = 0;
-constexpr int kButtonCustom = 1;
-constexpr int kButtonNone = 2;
 constexpr int kDefaultSpeed = 5;
 
 const SPresslvPoints kLinearCurve = {0, 0.5f, 0.5f, 1};
@@ -40,12 +36,8 @@ QString penButtonEventName(int button)
 
 void MainWindow::InitPenUI()
 {
-    m_PenButtonBoxes = {ui->comboBox_pbtn0, ui->comboBox_pbtn1, ui->comboBox_pbtn2};
-    for (QComboBox *box : m_PenButtonBoxes) {
-        box->addItem(QString());
-        box->addItem(KeySlot::CustomText());
-        box->addItem(languageText("TR.Item.Null", "No Action"));
-    }
+    m_PenButtons = {PenButtonSlot(ui->comboBox_pbtn0), PenButtonSlot(ui->comboBox_pbtn1),
+                    PenButtonSlot(ui->comboBox_pbtn2)};
     connect(ui->widget_pressAdjust, &QPressAdjustWedget::PressSensitivityChange, this,
             &MainWindow::on_PressSensitivityChange);
     connect(ui->pushButton_pen, &QPushButton::clicked, this, &MainWindow::onResetPenDefaultSetting);
@@ -215,23 +207,14 @@ void MainWindow::on_comboBox_pbtn2_activated(int index)
 void MainWindow::activatePenButton(int button, int index)
 {
     stPenConfig *pen = editedPen();
-    if (!pen)
+    if (!pen || index < 0)
         return;
     stPenBtn &target = pen->PenBtn[button];
-    if (index == kButtonCustom) {
-        QString func = target.id == kButtonCustom ? fieldText(target.func) : QString();
-        if (!editPenButtonFunction(button == 0, func)) {
-            m_PenButtonBoxes[button]->setCurrentIndex(target.id);
-            return;
-        }
-        qDebug() << "Function  on_comboBox_pbtn1_activated:" << func;
-        copyTextField(target.func, func);
-        m_PenButtonBoxes[button]->setItemText(kButtonCustom, GetUserFuncShowName(func));
-    } else {
-        target.func[0] = '\0';
-        m_PenButtonBoxes[button]->setItemText(kButtonCustom, KeySlot::CustomText());
-    }
-    target.id = static_cast<int16_t>(index);
+    const bool changed = m_PenButtons[button].Activate(
+        target, [this, button](QString &func) { return editPenButtonFunction(button == 0, func); });
+    if (!changed)
+        return;
+    qDebug() << "Function  on_comboBox_pbtn1_activated:" << fieldText(target.func);
     sendUsage([&] {
         const QStringList fields = {
             JsonServer::GetJsonData("custom", fieldText(target.func)),
@@ -266,7 +249,7 @@ void MainWindow::UpdataPenSelect(int index)
     const stPenConfig &pen = record->Pen[index];
     ui->pushButton_selectPen->setText(QString::fromUtf8(tagDigitalPenName[index]));
     for (int button = 0; button < kPenBtnCount; ++button)
-        showPenButton(button, pen.PenBtn[button]);
+        m_PenButtons[button].Show(pen.PenBtn[button]);
     ui->widget_pressAdjust->SetPoints({pen.P0, pen.P1X, pen.P1Y, pen.P2});
     const QSignalBlocker levelBlocker(ui->horizontalSlider_pressLv);
     ui->horizontalSlider_pressLv->setValue(
@@ -279,17 +262,6 @@ void MainWindow::UpdataPenSelect(int index)
     ui->groupBox_penRing->setVisible(index == kRollerPen);
     if (index == kRollerPen)
         UpdatePen3RingUIContext();
-}
-
-void MainWindow::showPenButton(int button, const stPenBtn &stored)
-{
-    QComboBox *box = m_PenButtonBoxes[button];
-    box->setItemText(kButtonAction, KeySlot::ActionText(stored.Actid));
-    const bool custom = stored.id == kButtonCustom;
-    box->setItemText(kButtonCustom,
-                     custom ? GetUserFuncShowName(fieldText(stored.func)) : KeySlot::CustomText());
-    box->setCurrentIndex(stored.id >= kButtonAction && stored.id <= kButtonNone ? stored.id
-                                                                                : kButtonAction);
 }
 
 // Every page that shows a part of the edited record, after the record changed under it.
@@ -308,7 +280,7 @@ void MainWindow::onResetPenDefaultSetting()
     if (!pen)
         return;
     for (stPenBtn &button : pen->PenBtn)
-        button.id = kButtonAction;
+        button.id = PenButtonSlot::kActionEntry;
     storeCurve(*pen, kLinearCurve);
     pen->Speed = kDefaultSpeed;
     pen->bTablePC = 1;

@@ -3,11 +3,13 @@
 #include "digitalpennames.h"
 #include "drawlinetestdialog.h"
 #include "mainwindow.h"
+#include "penbuttonslot.h"
 #include "penmath.h"
 #include "penstatus.h"
 #include "qpressadjustwedget.h"
 #include "selectpenmenulist.h"
 
+#include <QComboBox>
 #include <QPushButton>
 #include <QSlider>
 #include <QTest>
@@ -184,6 +186,43 @@ TEST(PressureTest, StrokesWidenWithPressureAndHoveringLeavesNoInk)
     dialog.findChild<QPushButton *>("pushButton_clear")->click();
     EXPECT_EQ(inkIn(field->pixmap().toImage(), 200, 0, 262), 0);
     std::tie(screens[1], screens[2], logic[1]) = std::tie(saved[0], saved[1], saved[2]);
+}
+
+} // namespace
+
+namespace
+{
+
+// A custom function is stored only when the editor accepts it, cancel leaves the button as it
+// was, and any other choice clears the function.
+TEST(PenButtonChoice, CustomOnlyWhenAcceptedAndOtherChoicesClearIt)
+{
+    QComboBox box;
+    const PenButtonSlot slot(&box);
+    stPenBtn button{};
+    button.Actid = 207;
+    slot.Show(button);
+    slot.Show(button);
+    ASSERT_EQ(box.count(), 3);
+    const auto editor = [](bool accept) {
+        return [accept](QString &func) {
+            func = "1|Undo|Ctrl+Z|29:37+44:52";
+            return accept;
+        };
+    };
+    box.setCurrentIndex(PenButtonSlot::kCustomEntry);
+    EXPECT_FALSE(slot.Activate(button, editor(false)));
+    EXPECT_EQ(box.currentIndex(), PenButtonSlot::kActionEntry);
+    EXPECT_EQ(button.id, 0);
+    box.setCurrentIndex(PenButtonSlot::kCustomEntry);
+    EXPECT_TRUE(slot.Activate(button, editor(true)));
+    EXPECT_EQ(button.id, 1);
+    EXPECT_STREQ(button.func, "1|Undo|Ctrl+Z|29:37+44:52");
+    EXPECT_EQ(box.itemText(PenButtonSlot::kCustomEntry), "Undo");
+    box.setCurrentIndex(PenButtonSlot::kNoneEntry);
+    EXPECT_TRUE(slot.Activate(button, editor(false)));
+    EXPECT_EQ(button.id, 2);
+    EXPECT_STREQ(button.func, "");
 }
 
 } // namespace
