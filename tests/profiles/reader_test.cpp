@@ -91,13 +91,42 @@ TEST(DeviceFile, WritesTheGoldenFile)
 // write outside the record's slots would show up in device/NAME.txt.
 TEST(DeviceFile, ReadsEachFileAsItsGoldenNode)
 {
-    expectGoldenCases("device", 9, [](RecordText &text, const QString &file) {
+    expectGoldenCases("device", 10, [](RecordText &text, const QString &file) {
         auto node = std::make_unique<_stAppConfigNode>();
         memset(node.get(), 0x55, sizeof *node);
         text.field("parsed", XMLHelp::ReadDeviceConfigFileToAppConfig(readAll(file), *node));
         visitApp(text, "", *node);
         text.field("next", node->next != nullptr);
     });
+}
+
+// What the device file carries comes back as it was; its "path" is not read.
+TEST(DeviceFile, ReadsBackWhatItWrote)
+{
+    auto written = std::make_unique<_stAppConfigNode>();
+    written->SelectID = 3;
+    for (int group = 0; group < kKeyGroupCount; ++group) {
+        written->KeyGroup[group].bEnable = group != 2;
+        for (int index = 0; index < 11; ++index) {
+            stKeyConfig &key = written->KeyGroup[group].Key[index];
+            key = {short(index % 3), {}, uint8_t(index & 1), short(100 + index), short(group)};
+            if (key.id > 0)
+                copyTextField(key.func, QString("1|k%1.%2|L:4").arg(group).arg(index));
+        }
+    }
+    for (int index = 0; index < kRingItemCount; ++index) {
+        written->Ring[0].Item[index].id = short(index % 3);
+        if (index % 3 == 2)
+            copyTextField(written->Ring[0].Item[index].func, "3|Zoom|1");
+    }
+    auto read = std::make_unique<_stAppConfigNode>();
+    const QByteArray file = XMLHelp("").SaveConfigToDevice("QRM07", written.get());
+    ASSERT_TRUE(XMLHelp::ReadDeviceConfigFileToAppConfig(file, *read));
+    RecordText expected;
+    RecordText actual;
+    visitApp(expected, "", *written);
+    visitApp(actual, "", *read);
+    EXPECT_EQ(actual.bytes().toStdString(), expected.bytes().toStdString());
 }
 
 } // namespace
