@@ -3,11 +3,11 @@
 // Ids of the action messages that the engine and the tablet post to the window
 // (PostActionMsg, handled in MainWindow::ReceivActionMsg). "text" marks a message that
 // carries the path of the current application instead of a number.
-constexpr int kMsgShowDriver = 1;          // 1: show the settings window
-constexpr int kMsgScreenMapping = 2;       // 0: map to the next screen
-constexpr int kMsgPenEraser = 3;           // 1 eraser, 0 pen
-constexpr int kMsgFineMode = 4;            // 0: open or close fine mode
-constexpr int kMsgRingFunctions = 5;       // text; plus the ring index, so 6 is the second ring
+constexpr int kMsgShowDriver = 1;    // 1: show the settings window
+constexpr int kMsgScreenMapping = 2; // 0: map to the next screen
+constexpr int kMsgPenEraser = 3;     // 1 eraser, 0 pen
+constexpr int kMsgFineMode = 4;      // 0: open or close fine mode
+constexpr int kMsgRingFunctions = 5; // text; plus the ring index, so 6 is the second ring
 constexpr int kMsgRing2Functions = kMsgRingFunctions + 1;
 constexpr int kMsgPenRingFunctions = kMsgRingFunctions + 3; // text: the pen's roller
 constexpr int kMsgTrackPad = 7;            // 0: toggle the touch strip between touch and wheel
