@@ -312,6 +312,7 @@ private:
     void InitPenUI();
     void showModelPictures(const CTablet *tablet);
     void showPenPage(const CTablet *tablet);
+    void showPenPicture(int number);
     stPenConfig *editedPen() const;
     void storeCurve(stPenConfig &pen, const SPresslvPoints &points);
     void sendCurveEvent(const char *name, const SPresslvPoints &points);
@@ -327,6 +328,7 @@ private:
     void showRingFunctions();
     void setTouchStripMode(bool touch);
     void ToggleTouchStrip(CTablet *tablet);
+    void sendStripMode(CTablet *tablet, bool touch);
     void onRingFunctionsMessage(CTablet *tablet, int msgId, const QString &app);
     bool switchRingFunction(const stTablet_XMLData &settings, _stAppConfigNode &record, int ring);
     QString touchModeTip() const;

@@ -5,7 +5,6 @@
 #include "batterywidget.h"
 #include "cglobaldata.h"
 #include "ctablet.h"
-#include "devicecommands.h"
 #include "jingximode.h"
 #include "jsonserver.h"
 #include "textfield.h"
@@ -120,10 +119,7 @@ void MainWindow::RestoreTouchStrip(CTablet *tablet)
     const stTablet_XMLData *settings = tablet->m_TabletXMLData;
     if (!settings || settings->CommonAPP.Ring[1].type != 1)
         return;
-    if (settings->CommonAPP.Ring[1].mode == 0)
-        tablet->SentCmd(kCmdTouchStrip, kStripWheel, 0);
-    else
-        tablet->SentCmd(kCmdTouchStrip, kStripTouch, settings->Orientation);
+    sendStripMode(tablet, settings->CommonAPP.Ring[1].mode != 0);
 }
 
 // A remote's Pen/Eraser switch acts on the pens of the other tablets.

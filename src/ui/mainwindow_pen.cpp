@@ -308,7 +308,7 @@ void MainWindow::onPenMenuSelectedAction(QString name, int index)
         return;
     qDebug() << "onPenMenuSelectedAction" << name << index;
     m_CurrentTablet->m_TabletXMLData->DeviceCurPenID = static_cast<int16_t>(index);
-    showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(index + 1)), ui->label_penbg);
+    showPenPicture(index + 1);
     UpdataPenSelect(index);
 }
 
@@ -336,8 +336,7 @@ void MainWindow::showModelPictures(const CTablet *tablet)
     const stTablet_XMLData &settings = *tablet->m_TabletXMLData;
     const QString model = QString::fromUtf8(tablet->m_DeviceAttributes.ModelName);
     if (!settings.SupportGroupKeys && settings.DevicePenNum == 1)
-        showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(settings.DevicePenType)),
-                  ui->label_penbg);
+        showPenPicture(settings.DevicePenType);
     else
         UpdatePenPicture();
     showImage(QPixmap(QString(":/image/tablet/%1_K%2.png").arg(model).arg(settings.Orientation)),
@@ -354,6 +353,11 @@ void MainWindow::showPenPage(const CTablet *tablet)
         UpdataPenSelect(settings.DeviceCurPenID);
 }
 
+void MainWindow::showPenPicture(int number)
+{
+    showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(number)), ui->label_penbg);
+}
+
 // With several pens the page shows the one last seen on the tablet, by its number.
 void MainWindow::UpdatePenPicture()
 {
@@ -362,8 +366,7 @@ void MainWindow::UpdatePenPicture()
     const stTablet_XMLData &settings = *m_CurrentTablet->m_TabletXMLData;
     if (settings.SupportGroupKeys || settings.DevicePenNum == 1 || settings.DeviceCurPenID < 0)
         return;
-    showImage(QPixmap(QString(":/image/Res/pen%1.png").arg(settings.DeviceCurPenID + 1)),
-              ui->label_penbg);
+    showPenPicture(settings.DeviceCurPenID + 1);
 }
 
 int MainWindow::DidPressurePointsConvertToIntValue(SPresslvPoints points)

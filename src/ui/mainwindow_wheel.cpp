@@ -95,7 +95,6 @@ void MainWindow::showWheelPage(CTablet *tablet)
 
 void MainWindow::showTouchStripModes(CTablet *tablet)
 {
-    const stTablet_XMLData &settings = *tablet->m_TabletXMLData;
     ui->RingWheelRadiowidget->show();
     ui->RingWheelRadiowidget->move(32, 28);
     ui->widget_ringItems->move(0, kItemsTopUnderModes);
@@ -103,10 +102,7 @@ void MainWindow::showTouchStripModes(CTablet *tablet)
     ui->Ring_tabWidget->setTabText(kSecondRing, languageText("TR.Touch", "Touch Pad"));
     ui->Ring_tabWidget->setTabEnabled(kSecondRing, true);
     const bool touch = editedRecord()->Ring[kSecondRing].mode != kStripWheelMode;
-    if (touch)
-        tablet->SentCmd(kCmdTouchStrip, kStripTouch, settings.Orientation);
-    else
-        tablet->SentCmd(kCmdTouchStrip, kStripWheel, 0);
+    sendStripMode(tablet, touch);
     SetRingWheelRadio(!touch);
 }
 
@@ -172,11 +168,7 @@ void MainWindow::setTouchStripMode(bool touch)
     if (!record)
         return;
     record->Ring[kSecondRing].mode = touch ? kStripTouchMode : kStripWheelMode;
-    if (touch)
-        m_CurrentTablet->SentCmd(kCmdTouchStrip, kStripTouch,
-                                 m_CurrentTablet->m_TabletXMLData->Orientation);
-    else
-        m_CurrentTablet->SentCmd(kCmdTouchStrip, kStripWheel, 0);
+    sendStripMode(m_CurrentTablet, touch);
     m_TouchModeFlag = touch;
     SetRingWheelRadio(!touch);
 }
@@ -202,11 +194,17 @@ void MainWindow::ToggleTouchStrip(CTablet *tablet)
             on_radioButton_m_touch_clicked();
         return;
     }
-    if (toWheel)
-        tablet->SentCmd(kCmdTouchStrip, kStripWheel, 0);
-    else
-        tablet->SentCmd(kCmdTouchStrip, kStripTouch, tablet->m_TabletXMLData->Orientation);
+    sendStripMode(tablet, !toWheel);
     m_TouchModeFlag = !toWheel;
+}
+
+// Touch mode follows the tablet's orientation; wheel mode has none.
+void MainWindow::sendStripMode(CTablet *tablet, bool touch)
+{
+    if (touch)
+        tablet->SentCmd(kCmdTouchStrip, kStripTouch, tablet->m_TabletXMLData->Orientation);
+    else
+        tablet->SentCmd(kCmdTouchStrip, kStripWheel, 0);
 }
 
 void MainWindow::onRingFunctionsMessage(CTablet *tablet, int msgId, const QString &app)
