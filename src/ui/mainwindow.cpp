@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "batterywidget.h"
+#include "diagnosisfunction.h"
 #include "cdevicemanager.h"
 #include "cglobaldata.h"
 #include "ctablet.h"
@@ -46,6 +47,7 @@ MainWindow::MainWindow(QWidget *parent) : QWidget(parent), ui(new Ui::MainWindow
     connectDesktopSignals();
     InitKeyUI(0);
     InitWheelTouchUI();
+    InitLightUI();
     InitPenUI();
     InitLanguageUI();
     ui->tabWidget->setCurrentIndex(0);
@@ -139,6 +141,7 @@ MainWindow::~MainWindow()
     qDebug() << "MainWindow------";
     CloseDevice();
     delete m_SettingForm;
+    delete m_DiagnosisDlg;
     qInfo() << "ScriboraV3 Closed.";
     cvtKeyCode::release();
     if (CGlobalData::Language_Config)
@@ -223,7 +226,9 @@ void MainWindow::InitUI(const QString &deviceName)
     showModelPictures(tablet);
     InitKeyUI(tablet->m_TabletXMLData->DeviceKeyNum);
     showWheelPage(tablet);
+    showLightControls(tablet);
     showBattery(tablet);
+    UpdateDiagnosisDlgInfo();
 }
 
 // A missing picture leaves the label as it was.

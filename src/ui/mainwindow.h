@@ -4,6 +4,7 @@
 #include "penbuttonslot.h"
 #include "settingsrecords.h"
 #include "wheelslot.h"
+#include "zkdisplaycontent.h"
 
 #include <QPoint>
 #include <QPointer>
@@ -21,6 +22,8 @@ namespace Ui
 class MainWindow;
 }
 class BatteryWidget;
+class DiagnosisFunction;
+class DisplaySetting;
 class DrawLineTestDialog;
 class PenRingSetting;
 class QComboBox;
@@ -117,6 +120,8 @@ public:
     bool ExportConfigTo(const QString &path);
     int ImportConfigFrom(const QString &path);
     const QString &xmlVersion() const { return m_XmlVersion; }
+    // The desktop's tablet interface; false with the reason in `text`.
+    bool TestWintableDll(QString &text);
     // Adds a program to the strip with a copy of the common record; false when refused.
     bool AddApplication(const QString &path);
 
@@ -158,7 +163,18 @@ public slots:
     void ReceivActionMsg(int tabletId, int msgId, int msgData);
     void ReceivActionMsg(int tabletId, int msgId, QString appPath);
     void ReceivTabletLightData(CTablet *tablet);
+    void on_horizontalSlider_tablet_light_valueChanged(int value);
+    void on_LightCheckBox_clicked(bool checked);
+    void on_BrightnessCheckBox_stateChanged(int state);
+    void operatingBrightButtonsToggled(int id, bool checked);
+    void onDiagnosisFun();
+    void UpdateDiagnosisDlgInfo();
+    void onCloseDiagnosisDlg();
     void GetBERect(QRect rect);
+
+    // Pen display, lights and diagnosis
+    void on_pushButton_ScreenSetting_clicked();
+    void onScreenColorChange(int command, int p1, int p2);
     void CloseJingxiMode();
 
     // Screens
@@ -322,6 +338,19 @@ private:
     void showPressure(int pressure, int maximum);
     void updateLiveFeed();
 
+    // Lights
+    void InitLightUI();
+    void showLightControls(const CTablet *tablet);
+    void checkTabletLight(int value);
+    void checkBrightnessButton(int value);
+    void checkLightSwitch(int value);
+    void sendLight(int light, int value);
+    void setUpDisplaySetting(int product);
+    QRect displayScreenRect() const;
+    void onDisplayReply(CTablet *tablet, int msgId, int value);
+    bool virtualDevicesOpen() const;
+    void showDiagnosisPen(const MultiData &data, int pressure);
+
     // Wheel page
     void showWheelPage(CTablet *tablet);
     void showTouchStripModes(CTablet *tablet);
@@ -412,6 +441,10 @@ private:
     QPointer<DrawLineTestDialog> m_DrawTest;
     WheelSlot m_WheelSlots[kRingItemCount];
     QButtonGroup *m_RingItemGroup = nullptr;
+    QButtonGroup *m_BrightGroup = nullptr;
+    QPointer<DisplaySetting> m_DisplaySetting;
+    tagZKDisplayContent m_displayContent{};
+    QPointer<DiagnosisFunction> m_DiagnosisDlg;
     QPointer<PenRingSetting> m_PenRingSetting;
     int m_CurRingIndex = 0;
     // The strip's mode toggle, shared by every device; the first toggle goes to the wheel.

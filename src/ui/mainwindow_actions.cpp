@@ -56,6 +56,15 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, int msgData)
     case kMsgWirelessConnected:
         RestoreTouchStrip(tablet);
         break;
+    case kMsgColourSpace:
+    case kMsgColourTemperature:
+    case kMsgRedGain:
+    case kMsgGreenGain:
+    case kMsgBlueGain:
+    case kMsgBrightness:
+    case kMsgContrast:
+        onDisplayReply(tablet, msgId, msgData);
+        break;
     default:
         break;
     }
@@ -81,8 +90,6 @@ void MainWindow::ReceivActionMsg(int tabletId, int msgId, QString text)
         });
     }
 }
-
-void MainWindow::ReceivTabletLightData(CTablet *) {}
 
 void MainWindow::onBatteryMsg(CTablet *tablet, int chargeState)
 {

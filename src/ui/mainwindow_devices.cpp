@@ -138,10 +138,13 @@ void MainWindow::onTabletRemoved(CTablet *tablet, const QString &key)
         ui->widget_device->removeChildDevice(
             key.isEmpty() ? QString::fromUtf8(tablet->m_DeviceAttributes.ShowName) : key);
     }
-    if (GetTabletArraySize() == 0) {
-        ClearApplication();
-        DeleteUI();
+    if (GetTabletArraySize() != 0) {
+        UpdateDiagnosisDlgInfo();
+        return;
     }
+    ClearApplication();
+    DeleteUI();
+    onCloseDiagnosisDlg();
 }
 
 void MainWindow::showSoleDevice()

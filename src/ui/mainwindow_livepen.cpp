@@ -33,6 +33,7 @@ void MainWindow::ReceivMultiData(CTablet *tablet, MultiData data)
     if (m_DrawTest && m_DrawTest->isVisible())
         m_DrawTest->PenEvent(pen ? kPenInRange : kPenLeft, data.screenPosX, data.screenPosY,
                              data.pressure);
+    showDiagnosisPen(data, pressure);
 }
 
 void MainWindow::showPressure(int pressure, int maximum)
@@ -69,7 +70,8 @@ void MainWindow::updateLiveFeed()
     const bool seen = isVisible() && !isMinimized();
     const bool testing = m_DrawTest && m_DrawTest->isVisible();
     m_CurrentTablet->m_SendMultiData =
-        testing || (seen && ui->tabWidget->currentIndex() == kPenPage);
+        testing ||
+        (seen && (!m_DiagnosisDlg.isNull() || ui->tabWidget->currentIndex() == kPenPage));
 }
 
 void MainWindow::showEvent(QShowEvent *event)

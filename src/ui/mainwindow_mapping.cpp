@@ -5,6 +5,7 @@
 #include "cglobaldata.h"
 #include "ctablet.h"
 #include "devicecommands.h"
+#include "displaymodels.h"
 #include "jsonserver.h"
 #include "mappingwidget.h"
 #include "textfield.h"
@@ -20,7 +21,6 @@ namespace
 const QPoint kGroupBesideCalibrate(20, 14);
 const QPoint kGroupAlone(107, 14);
 // Pen displays from this product on have a settings dialog of their own.
-constexpr int kFirstProductWithDisplaySettings = 0x0A5A;
 
 QString item(const char *key, int value)
 {
@@ -290,11 +290,8 @@ void MainWindow::placeDisplaySettingsButton()
 {
     const bool display =
         m_CurrentTablet && m_CurrentTablet->m_DeviceAttributes.DeviceType == DeviceTypePenDisplay;
-    const int product =
-        display
-            ? fieldText(m_CurrentTablet->m_DeviceAttributes.PidString).right(4).toInt(nullptr, 16)
-            : 0;
-    const bool visible = product >= kFirstProductWithDisplaySettings;
+    const bool visible = display && DisplayModels::productId(m_CurrentTablet->m_DeviceAttributes) >=
+                                        DisplayModels::kFirstWithPictureSettings;
     ui->pushButton_ScreenSetting->setVisible(visible);
     ui->TabletBtnGroup->move(visible ? kGroupBesideCalibrate : kGroupAlone);
 }

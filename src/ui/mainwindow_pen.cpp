@@ -77,6 +77,7 @@ void MainWindow::InitPenLanguageUI()
     setLanguageText(ui->radioButton_m_wheel, "TR.Touch.Mode.2");
     setLanguageText(ui->label_ringFunctions, "TR.Functions");
     setLanguageText(ui->BrightnessCheckBox, "TR.Light");
+    setLanguageText(ui->LightCheckBox, "TR.Light");
     ui->groupBox_brightness->setTitle(languageText("TR.Light", "Light"));
 }
 

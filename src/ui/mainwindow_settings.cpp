@@ -43,6 +43,7 @@ void MainWindow::createSettingForm()
             &MainWindow::onImportConfigueFile);
     connect(m_SettingForm, &SettingForm::onOutportConfiguebtnClicked, this,
             &MainWindow::onExportConfigueFile);
+    connect(m_SettingForm, &SettingForm::onDiagnosisbtnClicked, this, &MainWindow::onDiagnosisFun);
 }
 
 void MainWindow::CloseSettingFormDevices()

@@ -67,9 +67,6 @@ void MainWindow::InitWheelTouchUI()
     connect(ui->pushButton_ring, &QPushButton::clicked, this,
             &MainWindow::onResetRingDefaultSetting);
     connect(ui->pushButton_penRing, &QPushButton::clicked, this, &MainWindow::openPenRingSetting);
-    for (QWidget *light : {static_cast<QWidget *>(ui->BrightnessCheckBox),
-                           static_cast<QWidget *>(ui->groupBox_brightness)})
-        light->hide();
 }
 
 void MainWindow::showWheelPage(CTablet *tablet)
