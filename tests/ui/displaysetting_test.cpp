@@ -90,6 +90,7 @@ TEST(DisplaySettingDialog, EachControlSendsItsCommandsOnlyWithTheColourZone)
     }
 }
 
+// A gain report checks USER on the tab the user is on, which shows it too.
 TEST(DisplaySettingDialog, ReportsShowTheDisplaysSettingsWithoutSendingThem)
 {
     const struct {
@@ -99,7 +100,7 @@ TEST(DisplaySettingDialog, ReportsShowTheDisplaysSettingsWithoutSendingThem)
         bool gains;
     } reports[] = {{1, 0, "radioButton_5000K", 0, false}, {1, 3, "radioButton_6500K", 0, false},
                    {1, 7, "radioButton_9300K", 0, false}, {1, 8, "radioButton_DCI", 0, false},
-                   {2, 2, "radioButton_SRGB", 1, false},  {3, -1, "radioButton_USER", 0, true},
+                   {2, 2, "radioButton_SRGB", 1, false},  {3, -1, "radioButton_USER", 1, true},
                    {2, 10, "radioButton_DCI", 1, false},  {2, 1, "radioButton_adobeRGB", 1, false},
                    {2, 11, "radioButton_DCI", 1, false},  {2, 0, "radioButton_5000K", 1, false}};
     DisplaySetting dialog;

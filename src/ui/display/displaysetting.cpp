@@ -256,10 +256,12 @@ void DisplaySetting::SetColorMode(int mode, int code, int brightness, int contra
     if (!m_ColorZoneEnable)
         return;
     if (mode > 0) {
+        // USER shows on both tabs: a gain report leaves the user on the tab they chose.
         int id = kUser;
-        int tab = kTemperatureTab;
+        int tab = ui->RGBcomboBox->currentIndex();
         if (mode == kTemperatureMode) {
             id = temperatureButton(code);
+            tab = kTemperatureTab;
         } else if (mode == kColourSpaceMode) {
             id = colourSpaceButton(code);
             tab = kColourSpaceTab;

@@ -13,6 +13,9 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py remote DIR             tab1 plays a remote's memory (see run_remote); DIR/<phase>
                                     marks each phase, DIR/written.xml the file taken
+    probe.py display DIR            tab1 plays a pen display's picture settings (see run_display);
+                                    DIR/state marks the state sent, DIR/display.log the settings
+    probe.py hold P                 tab1's pen pressed at the centre at pressure P, and left there
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
 """
@@ -585,6 +588,52 @@ def run_remote(ch, out):
     mark("read")
 
 
+# A pen display's picture settings (report 02 b5): byte 3 the setting, the value in byte 6, or
+# in byte 7 for the three gains.
+DISPLAY_ASK = "02b500f0"
+DISPLAY_SETTINGS = {(1, 1): 111, (1, 2): 112, (1, 3): 113, (3, 0): 117, (4, 0): 118, (7, 0): 119}
+
+
+def display_command(frame):
+    """The driver's command (id, p1, value) for a display frame."""
+    command = DISPLAY_SETTINGS.get((frame[3], frame[4] if frame[3] == 1 else 0))
+    if command == 113:
+        return command + frame[6] - 1, frame[2], frame[7]
+    return command, frame[2], frame[6]
+
+
+def display_frame(command, value):
+    setting = next(k for k, v in DISPLAY_SETTINGS.items() if v == command)
+    return ("02b501%02x%02x00%02x" % (setting[0], setting[1], value)).ljust(128, "0")
+
+
+def run_display(ch, out):
+    """Answers the state request with 6500K and brightness 70, then confirms every setting the
+    driver sends by sending it back, until sRGB (111, 1, 2) and full brightness (117, 1, 100)
+    came; each command is a line of DIR/display.log."""
+    wait_out(ch, DISPLAY_ASK)
+    for command, value in ((112, 3), (117, 70), (118, 50)):
+        send(ch, display_frame(command, value))
+    open(os.path.join(out, "state"), "w").close()
+    wanted = {(111, 1, 2), (117, 1, 100)}
+    with open(os.path.join(out, "display.log"), "w") as log:
+        while wanted:
+            frame = wait_out(ch, "02b5")
+            command = display_command(frame)
+            print("%s %s %s" % command, file=log, flush=True)
+            check(command[0] is not None and command[1] == 1,
+                  "the display understands %s as %s,%s,%s" % ((frame[:8].hex(),) + command))
+            send(ch, frame.hex().ljust(128, "0"))
+            wanted.discard(command)
+
+
+def hold_pen(ch, pressure):
+    """The pen comes into range at the centre and presses there, and stays."""
+    for report in (pen_report(0xa0, 26162, 14800), pen_report(0xa0, 26162, 14800, pressure)):
+        reply = ch.request(["send", "tab1", str(IFACE), report])
+        check(reply.startswith("ok"), "tab1 takes the pen report (%s)" % reply)
+
+
 SCENARIOS = {"corners": run_corners, "key": run_key, "wheel": run_wheel, "pressure": run_pressure,
              "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like,
              "slots": run_slots}
@@ -607,9 +656,12 @@ def main(argv):
             SCENARIOS[cmd](ch, pen, *args[2:])
         finally:
             pen.close()
-    elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0), ("remote", 1)):
+    elif (cmd, len(args)) in (("ping-app", 1), ("driver", 1), ("hidraw", 0), ("remote", 1),
+                            ("display", 1), ("hold", 1)):
         {"ping-app": lambda t: ping_app(float(t)), "driver": lambda want: check_drivers("tab1", {"tab1": want}),
-         "hidraw": lambda: check_hidraw(Channel()), "remote": lambda out: run_remote(Channel(), out)}[cmd](*args)
+         "hidraw": lambda: check_hidraw(Channel()), "remote": lambda out: run_remote(Channel(), out),
+         "display": lambda out: run_display(Channel(), out),
+         "hold": lambda p: hold_pen(Channel(), int(p))}[cmd](*args)
     else:
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
