@@ -1,11 +1,6 @@
 #include "diagnosisfunction.h"
-#include "languagetexts.h"
 
 #include <QLabel>
-#include <QPushButton>
-#include <QSettings>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace
@@ -42,35 +37,6 @@ TEST(DiagnosisFunction, ValuesReachTheirOwnLinesAndTheSerialLineShowsOnlyWhenTol
         EXPECT_EQ(text(dialog, line[0]), line[1]) << line[0];
     dialog.UpdateDeviceInfo("Pro 16", "PID_0A21", "V1.02", "", false);
     EXPECT_FALSE(serialLineShown(dialog));
-}
-
-TEST(DiagnosisFunction, InstallTestShowsTheLanguagesWordOrTheBuiltInOne)
-{
-    DiagnosisFunction builtIn;
-    builtIn.UpdateDriverinstallTest(true);
-    EXPECT_EQ(text(builtIn, "label_Driverinstall"), "pass");
-    builtIn.UpdateDriverinstallTest(false);
-    EXPECT_EQ(text(builtIn, "label_Driverinstall"), "fail");
-
-    QTemporaryDir dir;
-    QSettings texts(dir.filePath("language.ini"), QSettings::IniFormat);
-    texts.setValue("DiagnosisFunction.pass", "Bestanden");
-    texts.setValue("DiagnosisFunction.fail", "Fehler");
-    LanguageTexts::Language_Config = &texts;
-    DiagnosisFunction translated;
-    LanguageTexts::Language_Config = nullptr;
-    translated.UpdateDriverinstallTest(false);
-    EXPECT_EQ(text(translated, "label_Driverinstall"), "Fehler");
-    translated.UpdateDriverinstallTest(true);
-    EXPECT_EQ(text(translated, "label_Driverinstall"), "Bestanden");
-}
-
-TEST(DiagnosisFunction, CancelAsksTheWindowToClose)
-{
-    DiagnosisFunction dialog;
-    QSignalSpy closing(&dialog, &DiagnosisFunction::CloseDiagnosisFunction);
-    dialog.findChild<QPushButton *>("pushButton")->click();
-    EXPECT_EQ(closing.size(), 1);
 }
 
 } // namespace

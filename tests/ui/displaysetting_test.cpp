@@ -1,5 +1,4 @@
 #include "displaysetting.h"
-#include "zkdisplaycontent.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -141,16 +140,6 @@ TEST(DisplaySettingDialog, FactoryResetShowsDefaultsOrLetsTheDisplayResetItself)
     child<QAbstractButton>(zoned, "pushButton_factory")->click();
     EXPECT_EQ(sent(spy), "119,1,0");
     expectSliders(zoned, {50, 50, 50, 4, 5});
-}
-
-TEST(DisplaySettingDialog, CentresOnTheDisplaysScreen)
-{
-    DisplaySetting dialog;
-    tagZKDisplayContent content;
-    QRect screen(1920, 0, 1281, 1025);
-    dialog.SetZKDisplayInfo(&content, screen);
-    EXPECT_EQ(dialog.pos(),
-              QPoint(1920 + (1281 - dialog.width()) / 2, (1025 - dialog.height()) / 2));
 }
 
 } // namespace

@@ -591,7 +591,7 @@ def run_remote(ch, out):
 # A pen display's picture settings (report 02 b5): byte 3 the setting, the value in byte 6, or
 # in byte 7 for the three gains.
 DISPLAY_ASK = "02b500f0"
-DISPLAY_SETTINGS = {(1, 1): 111, (1, 2): 112, (1, 3): 113, (3, 0): 117, (4, 0): 118, (7, 0): 119}
+DISPLAY_SETTINGS = {(0xF0, 0): 110, (1, 1): 111, (1, 2): 112, (1, 3): 113, (3, 0): 117, (4, 0): 118, (7, 0): 119}
 
 
 def display_command(frame):
