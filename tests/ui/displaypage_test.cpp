@@ -1,6 +1,5 @@
 #include "devicefixture.h"
 #include "diagnosisfunction.h"
-#include "displaysetting.h"
 #include "mainwindow.h"
 
 #include <QAbstractButton>
@@ -43,8 +42,8 @@ protected:
     MainWindow m_Window;
 };
 
-// The strip light takes three levels or a switch by model and shows the level the device
-// holds; each control sends its level, and the device's answers are not sent back.
+// The strip light of a model with levels shows the level the device holds; each control sends
+// its level, and the device's answers are not sent back.
 TEST_F(DisplayAndLights, LightControlsFollowTheModelAndSendTheirLevels)
 {
     open(0xA105, "TQR4470C-C");
@@ -71,38 +70,6 @@ TEST_F(DisplayAndLights, LightControlsFollowTheModelAndSendTheirLevels)
     data().DeviceControl = 0;
     reshow();
     EXPECT_FALSE(shown("BrightnessCheckBox") || shown("groupBox_brightness"));
-    fakeusb::unplug("tab");
-    m_Window.ReceiveUsbMsg(0x5A3C, 0xA105, 2);
-    open(0xA101, "TQR4470");
-    data().DeviceTrackPad = 1;
-    device().m_DeviceAttributes.WheelLight = 60;
-    reshow();
-    EXPECT_TRUE(shown("BrightnessCheckBox"));
-    child<QAbstractButton>("BrightnessCheckBox")->click();
-    EXPECT_EQ(lastWrite(6), Bytes({0x02, 0xb4, 0x01, 0x01, 0x01, 0}));
-}
-
-// The dialog asks the display for its state, sends each choice, and shows what the display
-// answers; a display that has gone closes it.
-TEST_F(DisplayAndLights, DisplaySettingsTalkToTheCurrentDisplay)
-{
-    open(0x0A66, "QPD1360");
-    m_Window.on_pushButton_ScreenSetting_clicked();
-    auto *dialog = topLevel<DisplaySetting>();
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(lastWrite(4), Bytes({0x02, 0xb5, 0x00, 0xf0}));
-    dialog->findChild<QAbstractButton *>("radioButton_SRGB")->click();
-    EXPECT_EQ(lastWrite(7), Bytes({0x02, 0xb5, 0x01, 0x01, 0x01, 0x00, 0x02}));
-    feed(device(), frame(64, {0x02, 0xb5, 0x01, 0x01, 0x02, 0x00, 0x03}));
-    feed(device(), frame(64, {0x02, 0xb5, 0x01, 0x03, 0x00, 0x00, 0x2a}));
-    EXPECT_TRUE(dialog->findChild<QAbstractButton *>("radioButton_6500K")->isChecked());
-    EXPECT_EQ(dialog->findChild<QSlider *>("horizontalSlider_brightness")->value(), 42);
-
-    const QPointer<DisplaySetting> open = dialog;
-    fakeusb::unplug("tab");
-    m_Window.ReceiveUsbMsg(0x5A3C, 0x0A66, 2);
-    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(open.isNull());
 }
 
 // The diagnosis shows the device and follows its pen while open, whatever the page; it closes

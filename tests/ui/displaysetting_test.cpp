@@ -33,12 +33,6 @@ const char *const kSliders[][2] = {{"horizontalSlider_Red", "label_R_value"},
                                    {"horizontalSlider_brightness", "label_brightness_value"},
                                    {"horizontalSlider_Contrast", "label_Contrast_value"}};
 
-void moveSliders(const DisplaySetting &dialog, const int (&values)[5])
-{
-    for (int i = 0; i < 5; ++i)
-        child<QSlider>(dialog, kSliders[i][0])->setValue(values[i]);
-}
-
 void expectSliders(const DisplaySetting &dialog, const int (&values)[5])
 {
     for (int i = 0; i < 5; ++i) {
@@ -118,28 +112,6 @@ TEST(DisplaySettingDialog, ReportsShowTheDisplaysSettingsWithoutSendingThem)
     dialog.SetColorMode(-1, -1, 120, 30, 70, -1, 0);
     expectSliders(dialog, {70, 50, 0, 100, 30});
     EXPECT_EQ(sent(spy), "");
-}
-
-TEST(DisplaySettingDialog, FactoryResetShowsDefaultsOrLetsTheDisplayResetItself)
-{
-    DisplaySetting alone;
-    alone.SetDefaultBright(80);
-    moveSliders(alone, {1, 2, 3, 4, 5});
-    child<QAbstractButton>(alone, "radioButton_USER")->click();
-    QSignalSpy quiet(&alone, &DisplaySetting::SendTabletCmd);
-    alone.on_pushButton_factory_clicked();
-    expectSliders(alone, {50, 50, 50, 80, 50});
-    EXPECT_TRUE(child<QAbstractButton>(alone, "radioButton_6500K")->isChecked());
-    EXPECT_FALSE(child<QGroupBox>(alone, "groupBox_RGB")->isEnabled());
-    EXPECT_EQ(sent(quiet), "");
-
-    DisplaySetting zoned;
-    moveSliders(zoned, {1, 2, 3, 4, 5});
-    zoned.SetColorZoneEnable(true);
-    QSignalSpy spy(&zoned, &DisplaySetting::SendTabletCmd);
-    child<QAbstractButton>(zoned, "pushButton_factory")->click();
-    EXPECT_EQ(sent(spy), "119,1,0");
-    expectSliders(zoned, {50, 50, 50, 4, 5});
 }
 
 } // namespace

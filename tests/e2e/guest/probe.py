@@ -602,18 +602,13 @@ def display_command(frame):
     return command, frame[2], frame[6]
 
 
-def display_frame(command, value):
-    setting = next(k for k, v in DISPLAY_SETTINGS.items() if v == command)
-    return ("02b501%02x%02x00%02x" % (setting[0], setting[1], value)).ljust(128, "0")
-
-
 def run_display(ch, out):
     """Answers the state request with 6500K and brightness 70, then confirms every setting the
     driver sends by sending it back, until sRGB (111, 1, 2) and full brightness (117, 1, 100)
     came; each command is a line of DIR/display.log."""
     wait_out(ch, DISPLAY_ASK)
-    for command, value in ((112, 3), (117, 70), (118, 50)):
-        send(ch, display_frame(command, value))
+    for state in ("02b50101020003", "02b50103000046", "02b50104000032"):  # 6500K, 70, 50
+        send(ch, state.ljust(128, "0"))
     open(os.path.join(out, "state"), "w").close()
     wanted = {(111, 1, 2), (117, 1, 100)}
     with open(os.path.join(out, "display.log"), "w") as log:
