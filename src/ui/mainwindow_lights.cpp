@@ -69,10 +69,13 @@ void MainWindow::ReceivTabletLightData(CTablet *tablet)
     checkLightSwitch(tablet->m_DeviceAttributes.WheelLight);
 }
 
+// The slider shows the level too, in its steps of 50.
 void MainWindow::checkTabletLight(int value)
 {
-    const QSignalBlocker blocker(ui->LightCheckBox);
+    const QSignalBlocker box(ui->LightCheckBox);
     ui->LightCheckBox->setChecked(std::abs(value) >= kLightStep);
+    const QSignalBlocker slider(ui->horizontalSlider_tablet_light);
+    ui->horizontalSlider_tablet_light->setValue(std::abs(value) / kLightStep);
 }
 
 void MainWindow::checkBrightnessButton(int value)
