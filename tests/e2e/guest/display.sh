@@ -7,14 +7,11 @@ x11_driver_up "$1" "$2" || exit 1
 probe display "$E2E_OUT" > "$E2E_OUT/display.out" 2>&1 &
 display=$!
 
-# The driver's own windows other than the main one; dialogs are not all called "Scribora".
-others() { xdotool search --onlyvisible --pid "$SCRIBORA_PID" 2> /dev/null | grep -v "^$X11_WINDOW\$"; }
-opened() {
-    local window
-    window="$(others | grep -v -x -F -f /tmp/windows-before | tail -n 1)"
-    [ -n "$window" ] && echo "$window"
-}
-remember_windows() { others > /tmp/windows-before || true; }
+# The driver's windows, dialogs included (not all are called "Scribora"); opened: a new one.
+windows() { xdotool search --onlyvisible --pid "$SCRIBORA_PID" 2> /dev/null; }
+remember_windows() { windows > /tmp/windows-before || true; }
+opened() { windows | grep -v -x -F -f /tmp/windows-before | tail -n 1 | grep .; }
+closed() { ! windows | grep -qx "$1"; }
 at() { xdotool mousemove --window "$1" "$2" "$3" click 1; }
 
 # Display settings, from the Tablet tab of the work-area page.
@@ -35,7 +32,7 @@ sleep 1 # the dialog paints the display's answers
 x11_screenshot display
 cat "$E2E_OUT/display.log"
 at "$dialog" 465 449 # pushButton_ok
-expect "the display settings close" wait_for 30 sh -c "! xdotool search --onlyvisible --pid $SCRIBORA_PID | grep -qx $dialog"
+expect "the display settings close" wait_for 30 closed "$dialog"
 
 # Diagnosis, from the settings pop-up, with the pen held on the display.
 x11_click 853 43 # settingBtn
@@ -48,7 +45,6 @@ probe hold 4096 || status=1
 sleep 1 # the dialog shows the pen
 x11_screenshot diagnosis
 emuctl disconnect tab1 > /dev/null || status=1
-expect "the diagnosis closes with its device" wait_for 30 sh -c "! xdotool search --onlyvisible --pid $SCRIBORA_PID | grep -qx $diagnosis"
-x11_screenshot unplugged
+expect "the diagnosis closes with its device" wait_for 30 closed "$diagnosis"
 scribora_stop || status=1
 exit "$status"
