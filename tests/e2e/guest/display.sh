@@ -30,7 +30,7 @@ xdotool mousemove --window "$dialog" 367 337 mousedown 1 \
 expect "the display got sRGB and full brightness" wait "$display"
 sleep 1 # the dialog paints the display's answers
 x11_screenshot display
-cat "$E2E_OUT/display.log"
+cat "$E2E_OUT/display.out"
 at "$dialog" 465 449 # pushButton_ok
 expect "the display settings close" wait_for 30 closed "$dialog"
 

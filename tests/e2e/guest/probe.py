@@ -13,8 +13,7 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py ping-app TIMEOUT       the running driver's event loop answers
     probe.py remote DIR             tab1 plays a remote's memory (see run_remote); DIR/<phase>
                                     marks each phase, DIR/written.xml the file taken
-    probe.py display DIR            tab1 plays a pen display's picture settings (see run_display);
-                                    DIR/state marks the state sent, DIR/display.log the settings
+    probe.py display DIR            tab1 plays a pen display's picture settings; DIR/state marks the state sent
     probe.py hold P                 tab1's pen pressed at the centre at pressure P, and left there
     probe.py driver WANT            tab1's interface 2 is bound to WANT (usbfs, usbhid)
     probe.py hidraw                 a report injected on that interface comes out of its hidraw node
@@ -590,7 +589,6 @@ def run_remote(ch, out):
 
 # A pen display's picture settings (report 02 b5): byte 3 the setting, the value in byte 6, or
 # in byte 7 for the three gains.
-DISPLAY_ASK = "02b500f0"
 DISPLAY_SETTINGS = {(0xF0, 0): 110, (1, 1): 111, (1, 2): 112, (1, 3): 113, (3, 0): 117, (4, 0): 118, (7, 0): 119}
 
 
@@ -603,23 +601,19 @@ def display_command(frame):
 
 
 def run_display(ch, out):
-    """Answers the state request with 6500K and brightness 70, then confirms every setting the
-    driver sends by sending it back, until sRGB (111, 1, 2) and full brightness (117, 1, 100)
-    came; each command is a line of DIR/display.log."""
-    wait_out(ch, DISPLAY_ASK)
+    """Answers the state request, then sends back every setting until sRGB and full brightness."""
+    wait_out(ch, "02b500f0")
     for state in ("02b50101020003", "02b50103000046", "02b50104000032"):  # 6500K, 70, 50
         send(ch, state.ljust(128, "0"))
     open(os.path.join(out, "state"), "w").close()
     wanted = {(111, 1, 2), (117, 1, 100)}
-    with open(os.path.join(out, "display.log"), "w") as log:
-        while wanted:
-            frame = wait_out(ch, "02b5")
-            command = display_command(frame)
-            print("%s %s %s" % command, file=log, flush=True)
-            check(command[0] is not None and command[1] == 1,
-                  "the display understands %s as %s,%s,%s" % ((frame[:8].hex(),) + command))
-            send(ch, frame.hex().ljust(128, "0"))
-            wanted.discard(command)
+    while wanted:
+        frame = wait_out(ch, "02b5")
+        command = display_command(frame)
+        check(command[0] is not None and command[1] == 1,
+              "the display understands %s as %s,%s,%s" % ((frame[:8].hex(),) + command))
+        send(ch, frame.hex().ljust(128, "0"))
+        wanted.discard(command)
 
 
 def hold_pen(ch, pressure):
