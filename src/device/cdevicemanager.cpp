@@ -21,10 +21,7 @@ constexpr short kDeviceLeft = 2;
 
 CDeviceManager::CDeviceManager(QObject *parent) : QObject(parent) {}
 
-CDeviceManager::~CDeviceManager()
-{
-    qDeleteAll(m_RemovedTablets);
-}
+CDeviceManager::~CDeviceManager() = default;
 
 bool CDeviceManager::EnumDeviceLinux(int pid)
 {
@@ -124,9 +121,10 @@ void CDeviceManager::removeTablet(int slot)
     emit tabletLeaving(tablet);
     tablet->DelTablet();
     CGlobalData::TabletArray[slot] = nullptr;
-    m_RemovedTablets.append(tablet);
     qInfo() << "Function nativeEvent:" << tablet->m_DeviceAttributes.PidString << " disconnected";
     emit tabletRemoved(tablet, key);
+    // Its reader has ended; what it posted before is delivered before the tablet goes.
+    tablet->deleteLater();
 }
 
 void CDeviceManager::stopListener()

@@ -48,6 +48,4 @@ private:
     void stopListener();
 
     UsbListenThread *m_UsbListenThread = nullptr;
-    // Unplugged tablets stay allocated: pages and queued messages may still point at them.
-    QList<CTablet *> m_RemovedTablets;
 };

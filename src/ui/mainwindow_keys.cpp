@@ -240,13 +240,16 @@ void MainWindow::transferRemoteProfile(bool read)
 {
     if (!m_CurrentTablet)
         return;
-    CTablet *tablet = m_CurrentTablet;
+    // The remote may be unplugged, and freed, while the dialog runs.
+    const QPointer<CTablet> tablet = m_CurrentTablet;
     ImportSettingDialog dialog(this);
     connect(this, &MainWindow::HideDialog, &dialog,
             &ImportSettingDialog::on_ImportCloseButton_clicked);
     dialog.setCurrentTablet(tablet, editedRecord(), read);
     dialog.ShowDialogInCenter();
     const int result = dialog.exec();
+    if (!tablet)
+        return;
     disconnect(tablet, &CTablet::PostDeviceOperatorMsg, &dialog, nullptr);
     if (!read || result != QDialog::Accepted || !tablet->m_IncomingNode ||
         tablet != m_CurrentTablet)

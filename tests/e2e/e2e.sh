@@ -151,6 +151,11 @@ sys.exit(not ok)' "$RUN/out/config.xml" || FAILED=1
     events --app-clean scribora 5
 }
 
+test_churn() {
+    boot churn churn.sh -- --device "$TABLET"
+    events --app-clean scribora 5
+}
+
 # The emulator's own record of what the driver sent the display: every 02 b5 frame as its
 # command, sRGB (111, 1, 2) and the brightness slider at its end (117, 1, 100) among them.
 test_display() {
