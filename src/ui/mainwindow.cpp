@@ -179,6 +179,10 @@ void MainWindow::InitLanguageUI()
     setLanguageText(ui->pushButton_screenscal, "Device.ScreenScale");
     setLanguageText(ui->pushButton_selectWorkArea, "WorkArea");
     setLanguageText(ui->label_rotation, "Device.RotationSetting");
+    // The screen half's tab reads as the word the screen list uses.
+    const QString screen = languageText("Device.Screen", QString()).trimmed();
+    if (!screen.isEmpty())
+        ui->tabWidget_screen->setTabText(0, screen);
     setLanguageText(ui->pushButton_device, "Common.item1");
     setLanguageText(ui->pushButton_hotkey, "Common.item1");
     setLanguageText(ui->DefaultQRM07Button, "Common.item1");
