@@ -1,12 +1,12 @@
 #include "mainwindow.h"
 
 #include "batterywidget.h"
-#include "diagnosisfunction.h"
 #include "cdevicemanager.h"
 #include "cglobaldata.h"
 #include "ctablet.h"
 #include "cvtkeycode.h"
 #include "devicecommands.h"
+#include "diagnosisfunction.h"
 #include "jsonserver.h"
 #include "mylinux.h"
 #include "mylrc.h"
