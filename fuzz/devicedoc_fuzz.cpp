@@ -3,6 +3,7 @@
 // the sanitizers see, it checks what they cannot: a text field that lost its
 // NUL was written past, into its neighbour in the same record, and the
 // parts of the record the device file does not carry must stay zero.
+#include "recordchecks.h"
 #include "settingsrecords.h"
 #include "xmlhelp.h"
 
@@ -15,12 +16,6 @@
 
 namespace
 {
-
-template <size_t N> void expectTerminated(const char (&field)[N])
-{
-    if (strnlen(field, N) == N)
-        abort();
-}
 
 template <typename T> void expectZero(const T &part)
 {

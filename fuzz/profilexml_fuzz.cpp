@@ -3,6 +3,7 @@
 // what the sanitizers see, it checks what they cannot: a text field that
 // lost its NUL was written past, into its neighbour in the same record, and
 // an application record must only link to records the map owns.
+#include "recordchecks.h"
 #include "settingsrecords.h"
 #include "xmlhelp.h"
 
@@ -22,28 +23,6 @@ namespace
 
 // The seeds hold this model's section, with others around it.
 constexpr char kModel[] = "QTB0610";
-
-template <size_t N> void expectTerminated(const char (&field)[N])
-{
-    if (strnlen(field, N) == N)
-        abort();
-}
-
-void expectTerminated(const _stAppConfigNode &node)
-{
-    expectTerminated(node.path);
-    for (const stPenConfig &pen : node.Pen)
-        for (const stPenBtn &button : pen.PenBtn)
-            expectTerminated(button.func);
-    for (const stRingConfig &ring : node.Ring)
-        for (const stRingItem &item : ring.Item)
-            expectTerminated(item.func);
-    for (const stKeyConfig &key : node.Key)
-        expectTerminated(key.func);
-    for (const stKeyGroup &group : node.KeyGroup)
-        for (const stKeyConfig &key : group.Key)
-            expectTerminated(key.func);
-}
 
 void expectOwnedChain(const stTablet_XMLData &data, const QMap<QString, _stAppConfigNode *> &apps,
                       const _stAppConfigNode *before)

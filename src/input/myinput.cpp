@@ -5,6 +5,7 @@
 
 #include <QDebug>
 #include <QTime>
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstring>
@@ -121,6 +122,27 @@ const DeviceLayout kEraserDevice = {"NORVA Eraser",
                                     kNoRelAxes,
                                     {listOf(kEraserKeys), false},
                                     {listOf(kEraserOldKeys), true}};
+
+bool declares(const DeviceLayout &layout, uint16_t type, uint16_t code)
+{
+    switch (type) {
+    case EV_SYN:
+        return true;
+    case EV_KEY:
+        return std::any_of(
+            layout.modernKeys.ranges.begin(), layout.modernKeys.ranges.end(),
+            [code](const KeyRange &range) { return code >= range.first && code <= range.last; });
+    case EV_ABS:
+        return std::any_of(
+            layout.absAxes.begin(), layout.absAxes.end(),
+            [code](const AbsAxis &axis) { return axis.enabled && axis.code == code; });
+    case EV_REL:
+        return std::find(layout.relAxes.begin(), layout.relAxes.end(), code) !=
+               layout.relAxes.end();
+    default:
+        return false;
+    }
+}
 
 void setBit(int fd, unsigned long request, int bit)
 {
@@ -341,6 +363,17 @@ void MyInput::SetWriteHook(WriteHook hook, void *context)
 {
     m_writeHook = hook;
     m_writeHookContext = context;
+}
+
+bool MyInput::Declares(int fd, uint16_t type, uint16_t code) const
+{
+    if (fd == 0)
+        return false;
+    if (fd == m_absFd)
+        return declares(kPenDevice, type, code);
+    if (fd == m_relFd)
+        return declares(kMouseDevice, type, code);
+    return fd == m_eraserFd && declares(kEraserDevice, type, code);
 }
 
 void MyInput::CloseUinput()

@@ -45,6 +45,10 @@ public:
     // for tools that print what the desktop would receive. Unset, it costs one test per write.
     using WriteHook = void (*)(void *context, int fd, const input_event *events, int count);
     void SetWriteHook(WriteHook hook, void *context);
+    // Whether the device behind `fd` (the first of the three attached to it) declares events
+    // of this type and code, as set up on a kernel with the modern uinput protocol; for tools
+    // that check what the report path writes.
+    bool Declares(int fd, uint16_t type, uint16_t code) const;
 
     // Descriptors are 0 for a device that did not open.
     int absFd() const { return m_absFd; }

@@ -174,6 +174,25 @@ TEST_F(Creation, CloseDestroysAndClosesOnceAsDoesTheDestructor)
     }
 }
 
+// A device answers for exactly the bits it asked uinput for.
+TEST_F(Creation, DeclaresWhatTheModernSetUpAsked)
+{
+    make(5);
+    m_input->Init();
+    const std::pair<uint16_t, std::string> kinds[] = {
+        {EV_KEY, "KEYBIT "}, {EV_ABS, "ABSBIT "}, {EV_REL, "RELBIT "}};
+    for (const fakeuinput::Node &node : fakeuinput::state().nodes) {
+        const Calls calls(node.calls.begin(), node.calls.end());
+        for (const auto &[type, bit] : kinds) {
+            const bool typeAsked = calls.count("EVBIT " + std::to_string(type)) != 0;
+            for (uint16_t code = 0; code <= KEY_MAX; ++code) {
+                const bool asked = typeAsked && calls.count(bit + std::to_string(code)) != 0;
+                EXPECT_EQ(m_input->Declares(node.fd, type, code), asked) << bit << code;
+            }
+        }
+    }
+}
+
 // The remembered tool is process-wide and starts at 0, and no test here writes a frame: each
 // leave runs in a child forked from that fresh state, with only the watched device open.
 // What that device got, as (code, value) pairs.
