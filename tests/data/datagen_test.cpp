@@ -24,6 +24,7 @@ TEST(GeneratedData, MatchesTheGoldenFiles)
     EXPECT_EQ(readAll(DATA_TEST_CATALOGUE_INC), readAll(golden + "zelkdevlist.inc"));
     EXPECT_EQ(readAll(DATA_TEST_CONFIG_XML), readAll(golden + "config.xml"));
     EXPECT_EQ(readAll(DATA_TEST_NAME_CONFIG_INI), readAll(golden + "name_config.ini"));
+    EXPECT_EQ(readAll(DATA_TEST_UDEV_RULES), readAll(golden + "60-scribora.rules"));
     EXPECT_EQ(readAll(DATA_TEST_LANGUAGE_INI), readAll(DATA_TEST_LANGUAGE_SOURCE));
 }
 
@@ -53,7 +54,7 @@ TEST(Datagen, RejectsTablesThatBreakTheRecords)
         QProcess tool;
         tool.start(DATA_TEST_DATAGEN,
                    {json.fileName(), dir.filePath("zelkdevlist.inc"), dir.filePath("config.xml"),
-                    dir.filePath("name_config.ini")});
+                    dir.filePath("name_config.ini"), dir.filePath("60-scribora.rules")});
         ASSERT_TRUE(tool.waitForFinished(30000));
         const bool accepted = row.startsWith("accepted");
         EXPECT_EQ(tool.exitStatus() == QProcess::NormalExit && tool.exitCode() == 0, accepted);

@@ -10,6 +10,7 @@ START_PACKET="02 b0 04 00 00 00 00 00 00 00"
 SCRIBORA_BIN="$(realpath "$2")" BUILD="$(realpath "$3")"
 export E2E_CACHE="${E2E_CACHE:-/var/cache/scribora-e2e}"
 FAILED=0
+STAGE_EXTRA=() # more files for the run dir's build/
 
 fail() { echo "FAIL: $*"; FAILED=1; }
 
@@ -39,7 +40,8 @@ boot() {
     RUN="$BUILD/e2e-runs/$name-$(date +%Y%m%d-%H%M%S)-$$"
     { mkdir -p "$RUN/build" && cp -r "$E2E_TESTS/guest" "$RUN/guest" &&
         cp "$SCRIBORA_BIN" "$(dirname "$SCRIBORA_BIN")/resource.rcc" "$RUN/build/" &&
-        cp -r "$BUILD/conf" "$RUN/build/conf"; } || { echo "FAIL: could not stage $RUN"; exit 1; }
+        cp -r "$BUILD/conf" "$RUN/build/conf" &&
+        { [ ${#STAGE_EXTRA[@]} = 0 ] || cp "${STAGE_EXTRA[@]}" "$RUN/build/"; }; } || { echo "FAIL: could not stage $RUN"; exit 1; }
     echo "e2e: $name: booting the guest (run dir $RUN)"
     t0=$(date +%s)
     "$HARNESS/run-e2e.sh" "${quiet[@]+"${quiet[@]}"}" --timeout "${E2E_TIMEOUT:-300}" --run-dir "$RUN" "$@" \
@@ -168,6 +170,17 @@ sent = [display_command(bytes.fromhex(e["data"])) for e in map(json.loads, open(
 ok = {(111, 1, 2), (117, 1, 100)} <= set(sent)
 print("%s: sRGB (111,1,2) and brightness 100 (117,1,100) among the display commands %s" % ("PASS" if ok else "FAIL", sent))
 sys.exit(not ok)' "$RUN/events.jsonl" "$E2E_TESTS/guest" || FAILED=1
+    events --app-clean scribora 5
+}
+
+# The package as a user gets it: installed with dpkg, the program started by its autostart
+# entry as a member of plugdev, who draws and saves; then upgrade, removal and purge.
+test_package() {
+    local deb
+    deb="$(cd "$BUILD" && cpack -G DEB -B "$BUILD/e2e-runs/package" | sed -n 's/^CPack: - package: \(.*\) generated\.$/\1/p')"
+    [ -f "$deb" ] || { echo "FAIL: cpack made no package"; exit 1; }
+    STAGE_EXTRA=("$deb")
+    boot package package.sh "$(basename "$deb")" -- --device "$TABLET"
     events --app-clean scribora 5
 }
 

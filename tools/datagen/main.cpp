@@ -3,6 +3,7 @@
 #include "modeltablereader.h"
 #include "nameconfigwriter.h"
 #include "profilebuilder.h"
+#include "udevruleswriter.h"
 
 #include <QHash>
 #include <QSaveFile>
@@ -42,8 +43,9 @@ int main(int argc, char **argv)
 {
     // QDom writes attributes in QHash order; a fixed seed keeps the file the same on every build.
     qSetGlobalQHashSeed(0);
-    if (argc != 5) {
-        qCritical("usage: scribora-datagen models.json zelkdevlist.inc config.xml name_config.ini");
+    if (argc != 6) {
+        qCritical("usage: scribora-datagen models.json zelkdevlist.inc config.xml name_config.ini "
+                  "scribora.rules");
         return 2;
     }
     QStringList args;
@@ -54,6 +56,7 @@ int main(int argc, char **argv)
         return 1;
     const bool written = writeOutput(args.at(1), CatalogueWriter::rows(table)) &&
                          writeOutput(args.at(2), ProfileBuilder::text(table)) &&
-                         writeOutput(args.at(3), NameConfigWriter::text(table));
+                         writeOutput(args.at(3), NameConfigWriter::text(table)) &&
+                         writeOutput(args.at(4), UdevRulesWriter::text(table));
     return written ? 0 : 1;
 }

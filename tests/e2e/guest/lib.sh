@@ -22,7 +22,7 @@ scribora_install_conf() {
         cp "$1"/conf/{config.xml,name_config.ini,language.ini} "$SCRIBORA_CONF_DIR/"
 }
 
-# scribora_start BINARY: in the background, output in $E2E_OUT/scribora.log; on the
+# scribora_start BINARY [ARGS...]: in the background, output in $E2E_OUT/scribora.log; on the
 # X server when x11_start ran first
 scribora_start() {
     [ -x "$1" ] || { guest_log "scribora binary $1 not found"; return 1; }
@@ -30,7 +30,7 @@ scribora_start() {
     export QT_QPA_PLATFORM="$SCRIBORA_QPA" XDG_RUNTIME_DIR=/tmp/runtime-root
     install -d -m 0700 "$XDG_RUNTIME_DIR"
     emuctl mark scribora-start >/dev/null || return 1
-    "$1" > "$E2E_OUT/scribora.log" 2>&1 &
+    "$@" > "$E2E_OUT/scribora.log" 2>&1 &
     SCRIBORA_PID=$!
     guest_log "scribora started (pid $SCRIBORA_PID)"
 }
