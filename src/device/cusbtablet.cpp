@@ -166,8 +166,17 @@ void CUSBTablet::startReader()
         // There is no recovery slot: a reader that gives up stays silent.
         connect(m_DeviceThread, SIGNAL(HidOperatorError(int)), this, SLOT(OnDeviceConnError(int)),
                 Qt::DirectConnection);
+        // On the reader's own thread, however it ends: a pen left down must not stay down.
+        connect(m_DeviceThread, &QThread::finished, this, &CUSBTablet::liftPen,
+                Qt::DirectConnection);
     }
     m_DeviceThread->start(QThread::InheritPriority);
+}
+
+void CUSBTablet::liftPen()
+{
+    if (m_Action)
+        m_Action->LeaveProximity();
 }
 
 void CUSBTablet::askLights()
@@ -311,8 +320,6 @@ void CUSBTablet::DelTablet()
         delete m_DeviceThread;
         m_DeviceThread = nullptr;
     }
-    if (m_Action)
-        m_Action->LeaveProximity();
     m_HidDevice.reset();
     delete m_XMLHelp;
     m_XMLHelp = nullptr;

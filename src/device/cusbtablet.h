@@ -40,6 +40,7 @@ private:
     bool takeSettings();
     void sendStartPacket(const ZelkDevice &row);
     void startReader();
+    void liftPen();
     void askLights();
     bool displayCommandsAllowed() const;
     // hidapi allows a write beside a read, but not two writes at once.

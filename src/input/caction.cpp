@@ -295,7 +295,7 @@ void CAction::writePen(const TabletDataEX &data)
         m_data.pressure = 0;
     input.UpdateDigit(data.penStatus, static_cast<uint16_t>(m_data.digitX),
                       static_cast<uint16_t>(m_data.digitY), m_data.pressure, m_data.tiltX,
-                      m_data.tiltY, eraser);
+                      m_data.tiltY, eraser, this);
     m_penHeld = data.penStatus != 0 && data.penStatus != kPenStatusLeave;
     m_penHeldAsEraser = eraser;
 }
@@ -310,5 +310,5 @@ void CAction::LeaveProximity()
     m_penHeld = false;
     CInputGlobals::MyInputDriver.UpdateDigit(kPenStatusLeave, static_cast<uint16_t>(m_data.digitX),
                                              static_cast<uint16_t>(m_data.digitY), 0, 0, 0,
-                                             m_penHeldAsEraser);
+                                             m_penHeldAsEraser, this);
 }

@@ -388,10 +388,10 @@ void MyInput::CloseUinput()
 }
 
 void MyInput::UpdateDigit(uint8_t status, uint16_t x, uint16_t y, uint16_t press, int8_t tiltX,
-                          int8_t tiltY, bool eraser)
+                          int8_t tiltY, bool eraser, const void *owner)
 {
     static int oldCode = 0;
-    if (status == 0)
+    if (status == 0 || !takePen(owner, status, oldCode))
         return;
     const bool leaving = status == kPenStatusLeave;
     bool useEraser = eraser;
@@ -424,6 +424,29 @@ void MyInput::UpdateDigit(uint8_t status, uint16_t x, uint16_t y, uint16_t press
         m_lastDevice = kLastPen;
     else if (fd == m_relFd)
         m_lastDevice = kLastReserved;
+}
+
+// False when the frame is a leave of a pen that another tablet's pen has replaced.
+bool MyInput::takePen(const void *owner, uint8_t status, int heldTool)
+{
+    if (!owner)
+        return true;
+    if (status == kPenStatusLeave) {
+        const void *expected = owner;
+        return m_penOwner.compare_exchange_strong(expected, nullptr);
+    }
+    const void *previous = m_penOwner.exchange(owner);
+    if (!previous || previous == owner || (heldTool != BTN_TOOL_PEN && heldTool != BTN_TOOL_RUBBER))
+        return true;
+    const timeval stamp = now();
+    const input_event lift[] = {
+        makeEvent(stamp, EV_KEY, static_cast<uint16_t>(heldTool), 0),
+        makeEvent(stamp, EV_ABS, ABS_PRESSURE, 0),
+        makeEvent(stamp, EV_KEY, BTN_TOUCH, 0),
+        makeEvent(stamp, EV_SYN, SYN_REPORT, 0),
+    };
+    writeEvents(heldTool == BTN_TOOL_RUBBER ? m_eraserFd : m_absFd, lift);
+    return true;
 }
 
 void MyInput::UpdateRelMouse(uint8_t status, int16_t dx, int16_t dy)

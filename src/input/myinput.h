@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,8 +29,12 @@ public:
     int OpenAbsEraserUinput();
     void CloseUinput();
 
+    // Every tablet writes to the same pen device. With an `owner` (one per tablet), the pen in
+    // range belongs to one tablet at a time: another tablet's pen coming in lifts the held one
+    // where it is, and that tablet's late leave is then dropped, so a tablet that went silent
+    // with its pen down cannot hold or cut the next one's strokes.
     void UpdateDigit(uint8_t status, uint16_t x, uint16_t y, uint16_t press, int8_t tiltX,
-                     int8_t tiltY, bool eraser);
+                     int8_t tiltY, bool eraser, const void *owner = nullptr);
     void UpdateRelMouse(uint8_t status, int16_t dx, int16_t dy);
     void UpdateWheelRel(int fd, int16_t delta);
     void KeyEvent(int code, bool pressed);
@@ -61,11 +66,13 @@ private:
     void clickButton(int fd, uint16_t button, bool pressed) const;
     void clickMiddle(int fd, bool pressed) const;
     void doubleClick(int fd) const;
+    bool takePen(const void *owner, uint8_t status, int heldTool);
 
     int m_absFd = 0;
     int m_relFd = 0;
     int m_eraserFd = 0;
     int m_lastDevice = 0;
+    std::atomic<const void *> m_penOwner{nullptr};
     WriteHook m_writeHook = nullptr;
     void *m_writeHookContext = nullptr;
 };

@@ -1,14 +1,20 @@
 #include "actionmessages.h"
+#include "cinputglobals.h"
 #include "cusbtablet.h"
 #include "devicecommands.h"
 #include "devicefixture.h"
+#include "devicethread.h"
 #include "hidrawstring.h"
 #include "usblink.h"
 #include "xmlhelp.h"
 
 #include <QFile>
+#include <QMutex>
 #include <QSignalSpy>
 #include <cstring>
+#include <fcntl.h>
+#include <linux/input.h>
+#include <unistd.h>
 
 namespace
 {
@@ -140,6 +146,37 @@ TEST_F(Session, NullPathRerunsAnOpenHandleAndStopReleasesIt)
     EXPECT_EQ(sent("tab", before),
               (std::vector<Bytes>{frame(10, {0x02, 0xB0, 0x04}), frame(10, {0x02, 0xB0, 0x02})}))
         << "one more start packet, the stop's, then nothing without a handle";
+}
+
+// A device that dies with the pen down: once its reader gives up, the pen is lifted.
+TEST_F(Session, AReaderThatGivesUpLiftsThePenItHeld)
+{
+    static QMutex mutex;
+    static std::vector<std::pair<int, int>> tools; // (tool, value) as written
+    tools.clear();
+    MyInput &input = CInputGlobals::MyInputDriver;
+    input.AttachDevices(::open("/dev/null", O_WRONLY), 0, 0);
+    input.SetWriteHook(
+        [](void *, int, const input_event *events, int count) {
+            QMutexLocker lock(&mutex);
+            for (int i = 0; i < count; ++i)
+                if (events[i].type == EV_KEY && events[i].code == BTN_TOOL_PEN)
+                    tools.emplace_back(events[i].code, events[i].value);
+        },
+        nullptr);
+    CUSBTablet &session = open(tablet("tab", 0x0B40, 1));
+    fakeusb::queueReport("tab", frame(64, {0x02, 0xA1, 0x10, 0x27, 0x10, 0x27, 0xE8, 0x03}));
+    for (int i = 0; i < DeviceThread::kErrorLimit; ++i)
+        fakeusb::queueReport("tab", {});
+    const auto lifted = [] {
+        QMutexLocker lock(&mutex);
+        return tools == std::vector<std::pair<int, int>>{{BTN_TOOL_PEN, 1}, {BTN_TOOL_PEN, 0}};
+    };
+    EXPECT_TRUE(waitFor(lifted)) << "tool frames: " << tools.size();
+    EXPECT_TRUE(session.m_Active) << "the session itself stays until the device goes";
+    input.SetWriteHook(nullptr, nullptr);
+    ::close(input.absFd());
+    input.AttachDevices(0, 0, 0);
 }
 
 // 32 bytes are copied, zeros behind a short payload; nothing is touched on failure.

@@ -256,7 +256,9 @@ public:
     {
         const int *n = args.n;
         if (verb == "digit") {
-            m_input.UpdateDigit(n[0], n[1], n[2], n[3], n[4], n[5], n[6]);
+            static const char tablets[3] = {};
+            m_input.UpdateDigit(n[0], n[1], n[2], n[3], n[4], n[5], n[6],
+                                n[7] > 0 && n[7] < 3 ? &tablets[n[7]] : nullptr);
         } else if (verb == "rel") {
             m_input.UpdateRelMouse(n[0], n[1], n[2]);
         } else if (verb == "wheel") {
