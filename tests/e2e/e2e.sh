@@ -184,6 +184,12 @@ test_package() {
     events --app-clean scribora 5
 }
 
+# tab2 is another model, so that tab1's going does not close and reopen it.
+test_stall() {
+    boot stall stall.sh -- --device "$TABLET" --device "$TABLET:name=tab2,pid=0x0B44,serial=E2E0000002"
+    events --app-clean scribora 5
+}
+
 "test_$1"
 echo "e2e_$1: $([ "$FAILED" = 0 ] && echo PASS || echo FAIL) (logs in $RUN)"
 exit "$FAILED"

@@ -6,6 +6,7 @@ Prints PASS/FAIL lines, exit 0 when all passed.
     probe.py emuctl WORD...         one control request, prints the reply
     probe.py node NAME TIMEOUT      prints /dev/input/eventN of the input device NAME
     probe.py stroke|plug|unplug|like NODE LOG, probe.py slots NODE LOG NAMES   a scenario; LOG gets the evdev events
+    probe.py stall NODE LOG PID     tab1 stops answering mid-stroke while tab2 draws on (see run_stall)
     probe.py corners NODE LOG X,Y,W,H   the tablet's corners at those of a screen area
     probe.py key NODE LOG CODES         key 1 gives exactly the key codes CODES down and up
     probe.py wheel NODE LOG CODES       a step of wheel 1 gives exactly the key codes CODES down and up
@@ -422,6 +423,61 @@ def run_like(ch, pen):
         strokes(ch, pen, "tab1 back", plans["tab1 back"], like_area)
 
 
+def readers(pid):
+    """The driver's report readers: its threads named after their class."""
+    return sum(read(path) == "DeviceThread" for path in glob.glob("/proc/%s/task/*/comm" % pid))
+
+
+STALL_A, STALL_B = (13081, 7400), (39243, 14800)
+STALL_GONE_S = 60  # the guest's kernel gives up on a dead device after resets of a few seconds
+
+
+def stroke_values(a, b):
+    return dict(ax=a[0], ay=a[1], bx=b[0], by=b[1], max=a[0], may=a[1], mbx=b[0], mby=b[1])
+
+
+def quiet_stroke(ch, pen, device, a, b):
+    """The short stroke from a to b, unmapped; the first step that gave another frame, or None."""
+    values = stroke_values(a, b)
+    for what, sent, want in EXPECTED["short_stroke"]:
+        words = sent.format(**values).split()
+        send(ch, pen_report(int(words[0], 16), *map(int, words[1:])), device)
+        got, want = describe(pen.next_frame(FRAME_TIMEOUT_S)), want.format(**values)
+        if got != want:
+            return "%s: %s (want %s)" % (what, got, want)
+    return None
+
+
+def run_stall(ch, pen, pid):
+    """tab1 stops answering with its pen down while tab2 draws on: tab2's pen takes the pen
+    device over (tab1's is lifted where it is) and its strokes map as ever, before and after
+    tab1's reader ends; nothing of tab1 comes out afterwards; replugged, tab1 draws again."""
+    for device in ("tab1", "tab2"):
+        started(ch, device, "at start", SCAN_DONE_S)
+    check(readers(pid) == 2, "two readers at start (%d)" % readers(pid))
+    values = stroke_values(STALL_A, STALL_B)
+    hover, *rest = EXPECTED["short_stroke"]
+    play(ch, pen, [hover] + rest[:2], "tab1 before it stops: ", "tab1", **values)
+    asks(ch, ["fail", "tab1"], "tab1 stops answering with its pen down")
+    send(ch, pen_report(0xA0, *STALL_A), "tab2")
+    check_frame("tab2's pen comes: tab1's is lifted where it is", pen.next_frame(FRAME_TIMEOUT_S),
+                EXPECTED["unplug_leave"])
+    check_frame("tab2's pen comes: it enters", pen.next_frame(FRAME_TIMEOUT_S), hover[2].format(**values))
+    play(ch, pen, rest, "tab2's first stroke: ", "tab2", **values)
+    deadline, during, bad = time.monotonic() + STALL_GONE_S, 0, None
+    while not bad and readers(pid) == 2 and time.monotonic() < deadline:
+        bad = quiet_stroke(ch, pen, "tab2", STALL_A, STALL_B)
+        during += 1
+    check(not bad, "%d strokes of tab2 while tab1 was dead map right%s" % (during, bad and ": " + bad or ""))
+    check(readers(pid) == 1, "tab1's reader ended, tab2's runs (%d reader(s))" % readers(pid))
+    strokes(ch, pen, "after tab1's reader ended", [("tab2", STALL_A, STALL_B)])
+    no_frame(pen, "nothing more: tab1's late leave is dropped", NO_FRAME_S)
+    unplug(ch, "tab1", "replug")
+    if plug_in(ch, "tab1", "replug"):
+        check(poll(lambda: readers(pid) == 2, FRAME_TIMEOUT_S), "two readers again (%d)" % readers(pid))
+        strokes(ch, pen, "after the replug", [("tab1", STALL_A, STALL_B), ("tab2", STALL_A, STALL_B)])
+
+
 def slot_stroke(n):
     """Stroke n of the slots run: x steps through the grid, y down by 20*148."""
     return (GRID_X[n % 3], 148 * (10 + 20 * n)), (GRID_X[(n + 2) % 3], 148 * (20 + 20 * n))
@@ -625,7 +681,7 @@ def hold_pen(ch, pressure):
 
 SCENARIOS = {"corners": run_corners, "key": run_key, "wheel": run_wheel, "pressure": run_pressure,
              "stroke": run_stroke, "plug": run_plug, "unplug": run_unplug, "like": run_like,
-             "slots": run_slots}
+             "slots": run_slots, "stall": run_stall}
 
 
 def main(argv):
