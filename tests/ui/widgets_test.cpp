@@ -1,6 +1,7 @@
 #include "batterywidget.h"
 #include "cases.h"
 #include "cglobaldata.h"
+#include "elidedcombobox.h"
 #include "jingximode.h"
 #include "mainwindow.h"
 #include "screencalibrate.h"
@@ -117,6 +118,24 @@ TEST(BatteryWidget, PicksTheSpriteRowOfTheCharge)
         EXPECT_EQ(widget.GetValue(), c[1].toInt()) << c[0].toStdString();
         EXPECT_EQ(widget.barStyle(), c.mid(2).join(' ')) << c[0].toStdString();
     }
+}
+
+// A name too long for the closed box shows whole in the tool tip, a short one none.
+TEST(ElidedComboBox, ToolTipCarriesOnlyANameThatDoesNotFit)
+{
+    const QString longName = "Switch the Function of Wheel One (Ctrl+Shift+Alt+F12)";
+    ElidedComboBox box;
+    box.addItems({"Undo", longName});
+    box.resize(120, 26);
+    box.show();
+    EXPECT_EQ(box.toolTip(), QString());
+    box.setCurrentIndex(1);
+    EXPECT_EQ(box.toolTip(), longName);
+    box.setItemText(1, "Redo");
+    EXPECT_EQ(box.toolTip(), QString()) << "a text changed in place";
+    box.setItemText(1, longName);
+    box.resize(900, 26);
+    EXPECT_EQ(box.toolTip(), QString()) << "widened";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "hotkeywidget.h"
 
+#include "elidedcombobox.h"
 #include "fixlengtextlabel.h"
 
 #include <QComboBox>
@@ -32,7 +33,7 @@ HotKeyWidget::Item HotKeyWidget::makeItem(int index)
     number->setObjectName(QStringLiteral("HotKeyNumber"));
     number->setFixedSize(kNumberSize, kNumberSize);
     number->setAlignment(Qt::AlignCenter);
-    auto *box = new QComboBox(row);
+    auto *box = new ElidedComboBox(row);
     box->setObjectName(QStringLiteral("HotKeyComboBox%1").arg(index));
     box->setFixedHeight(kBoxHeight);
     auto *label = new FixLengTextLabel(row);
