@@ -31,4 +31,20 @@ pen_node && probe corners "$PEN_NODE" "$E2E_OUT/corners.events" 960,0,960,1080 |
 x11_screenshot mapping-tablet
 x11_ok_saves
 scribora_stop || status=1
+
+# The window in German and Japanese, page by page (rows of listWidget_left), for a look at
+# translations that do not fit.
+for lang in de_DE ja_JP; do
+    X11_WINDOW=""
+    emuctl skip-outs tab1 > /dev/null
+    LANG="$lang.UTF-8" LC_ALL="" scribora_start "$1" &&
+        emuctl wait-out tab1 "$E2E_WAIT_S" 02b0 > /dev/null && x11_window_id ||
+        { echo "FAIL: no window in $lang"; status=1; continue; }
+    for row in 0 1 2; do
+        x11_click 94 $((112 + 44 * row))
+        sleep 1
+        x11_screenshot "window-${lang%_*}-$row"
+    done
+    scribora_stop || status=1
+done
 exit "$status"
