@@ -136,6 +136,12 @@ TEST(ElidedComboBox, ToolTipCarriesOnlyANameThatDoesNotFit)
     box.setItemText(1, longName);
     box.resize(900, 26);
     EXPECT_EQ(box.toolTip(), QString()) << "widened";
+    box.setCurrentIndex(0);
+    box.resize(120, 26);
+    QFont large = box.font();
+    large.setPixelSize(60);
+    box.setFont(large);
+    EXPECT_EQ(box.toolTip(), "Undo") << "a larger font";
 }
 
 } // namespace
