@@ -22,6 +22,18 @@ udevadm control --exit && /lib/systemd/systemd-udevd --daemon > /dev/null 2>&1 &
 # so the recommended xdg-utils is left out.
 apt_get() { DEBIAN_FRONTEND=noninteractive apt-get -y -q --no-install-recommends "$@" > /dev/null; }
 expect "apt installs the package from its file" apt_get install "$deb" || exit 1
+# The seat half of the rules: a login manager (absent here) gives nodes tagged uaccess to the
+# user at the seat; what the rules can show is that both nodes carry the tag.
+tablet_node() {
+    local d
+    for d in /sys/bus/usb/devices/*; do
+        [ "$(cat "$d/idVendor" 2> /dev/null)" = 5a3c ] || continue
+        printf '/dev/bus/usb/%03d/%03d\n' "$(cat "$d/busnum")" "$(cat "$d/devnum")"
+    done | head -n 1
+}
+tagged() { udevadm info --query=property --name="$1" | grep -q '^CURRENT_TAGS=.*:uaccess:'; }
+expect "the tablet's USB node is tagged uaccess" tagged "$(tablet_node)"
+expect "/dev/uinput is tagged uaccess" tagged /dev/uinput
 useradd --create-home --groups plugdev "$user" && install -d -o "$user" -m 0700 "/tmp/runtime-$user" || exit 1
 
 # Started as the desktop starts it at login, by the autostart entry's command line: only the
